@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "bytes.h"
+#include "page_file.h"
+#include "table_definition.h"
+#include "value.h"
+
+namespace jet {
+
+// A row's identity in the file: the data page and the row's slot on it.
+// Stable while the row lives; an update that moves the row's data keeps it.
+struct RowId {
+    std::uint32_t page = 0;
+    std::uint16_t row = 0;
+    friend bool operator==(const RowId&, const RowId&) = default;
+};
+
+// Walks a table's live rows in stored order: its data pages in ascending page
+// order and, on each page, the rows in slot order. Deleted rows are skipped;
+// a row moved to another page is read where its pointer sends it but keeps
+// its place in the order.
+class TableCursor {
+public:
+    // Reads the table's usage map; pages it names that belong to another
+    // table are passed over, as Jet leaves stale bits in such maps.
+    TableCursor(const PageFile& file, const TableDefinition& table);
+
+    // Moves to the next live row; false when there is none.
+    bool next();
+
+    // REQUIRES: next() returned true.
+    RowId rowId() const { return current_; }
+    void values(std::vector<Value>& out) const;
+
+private:
+    bool loadPage(std::size_t index);
+    ByteView resolve(std::uint16_t row);
+
+    const PageFile& file_;
+    const TableDefinition& table_;
+    std::vector<std::uint32_t> pages_;  // data pages from the usage map
+    std::size_t pageIndex_ = 0;         // the page in page_, as index into pages_
+    Page page_{};
+    Page overflowPage_{};
+    std::uint16_t rowCount_ = 0;        // rows on page_
+    std::uint16_t nextRow_ = 0;
+    bool started_ = false;
+    RowId current_;
+    ByteView currentBytes_;
+};
+
+}  // namespace jet

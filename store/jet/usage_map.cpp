@@ -1,0 +1,79 @@
+#include "usage_map.h"
+
+#include <string>
+
+#include "data_page.h"
+#include "error.h"
+#include "format.h"
+#include "page_file.h"
+
+namespace jet {
+namespace {
+
+namespace u = format::usage;
+
+void collectBits(ByteView bitmap, std::uint64_t firstPage, std::uint32_t pageCount,
+                 std::uint32_t mapPointer, std::vector<std::uint32_t>& pages) {
+    for (std::size_t byte = 0; byte < bitmap.size(); ++byte) {
+        const std::uint8_t bits = bitmap.u8(byte);
+        if (bits == 0) continue;
+        for (int bit = 0; bit < 8; ++bit) {
+            if ((bits & (1u << bit)) == 0) continue;
+            const std::uint64_t page = firstPage + byte * 8 + static_cast<unsigned>(bit);
+            if (page >= pageCount) {
+                throw Error("the usage map in row " + std::to_string(pointerRow(mapPointer)) +
+                            " of page " + std::to_string(pointerPage(mapPointer)) +
+                            " names page " + std::to_string(page) + ", beyond the end of the " +
+                            "file (" + std::to_string(pageCount) + " pages)");
+            }
+            pages.push_back(static_cast<std::uint32_t>(page));
+        }
+    }
+}
+
+}  // namespace
+
+std::vector<std::uint32_t> readUsageMap(const PageFile& file, std::uint32_t pointer) {
+    const std::uint32_t pageCount = file.pageCount();
+    Page page{};
+    file.read(pointerPage(pointer), page);
+    const DataPage mapPage(page, pointerPage(pointer));
+    const RowSlot slot = mapPage.slot(pointerRow(pointer));
+    const ByteView map = mapPage.rowBytes(slot);
+    if (map.empty()) {
+        throw Error("the usage map in row " + std::to_string(pointerRow(pointer)) + " of page " +
+                    std::to_string(pointerPage(pointer)) + " is empty");
+    }
+
+    std::vector<std::uint32_t> pages;
+    switch (map.u8(0)) {
+        case u::kInlineMap:
+            collectBits(map.from(5), map.u32(1), pageCount, pointer, pages);
+            break;
+        case u::kReferenceMap: {
+            Page bitmapPage{};
+            for (std::size_t k = 0; 1 + 4 * (k + 1) <= map.size(); ++k) {
+                const std::uint32_t bitmapPageNumber = map.u32(1 + 4 * k);
+                if (bitmapPageNumber == 0) continue;
+                file.read(bitmapPageNumber, bitmapPage);
+                if (bitmapPage[0] != format::kPageUsageMap) {
+                    throw Error("page " + std::to_string(bitmapPageNumber) +
+                                " should be a usage map page but is of type " +
+                                std::to_string(bitmapPage[0]));
+                }
+                const ByteView bitmap(bitmapPage.data() + u::kMapPageBitmapOffset,
+                                      bitmapPage.size() - u::kMapPageBitmapOffset);
+                collectBits(bitmap, static_cast<std::uint64_t>(k) * u::kPagesPerMapPage, pageCount,
+                            pointer, pages);
+            }
+            break;
+        }
+        default:
+            throw Error("the usage map in row " + std::to_string(pointerRow(pointer)) +
+                        " of page " + std::to_string(pointerPage(pointer)) +
+                        " is of unknown kind " + std::to_string(map.u8(0)));
+    }
+    return pages;
+}
+
+}  // namespace jet
