@@ -73,17 +73,22 @@ public:
 
 private:
     void check(std::size_t offset, std::size_t length) const {
-        if (!contains(offset, length)) {
-            throw Error("read of " + std::to_string(length) + " bytes at offset " +
-                        std::to_string(offset) + " runs past the end of a " +
-                        std::to_string(size_) + "-byte structure");
+        if (!contains(offset, length)) [[unlikely]] {
+            outOfRange(offset, length);
         }
     }
+    [[noreturn]] void outOfRange(std::size_t offset, std::size_t length) const;
 
     const std::uint8_t* data_ = nullptr;
     std::size_t size_ = 0;
 };
 
 static_assert(sizeof(double) == 8 && sizeof(float) == 4);
+
+inline void ByteView::outOfRange(std::size_t offset, std::size_t length) const {
+    throw Error("read of " + std::to_string(length) + " bytes at offset " +
+                std::to_string(offset) + " runs past the end of a " + std::to_string(size_) +
+                "-byte structure");
+}
 
 }  // namespace jet

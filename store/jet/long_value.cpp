@@ -1,5 +1,6 @@
 #include "long_value.h"
 
+#include <algorithm>
 #include <set>
 #include <string>
 
@@ -58,7 +59,8 @@ Bytes readLongValue(const PageFile& file, ByteView field) {
 
     // A chain of rows, each beginning with the pointer to the next.
     Bytes value;
-    value.reserve(length);
+    // The claimed length is not trusted for the reservation: at most what the file holds.
+    value.reserve(std::min<std::uint64_t>(length, file.sizeInBytes()));
     std::set<std::uint32_t> seen;
     std::uint32_t next = pointer;
     while (value.size() < length) {
