@@ -34,11 +34,7 @@ void dumpTable(const jet::Database& database, const std::string& tableName) {
     std::vector<jet::Value> values;
     while (cursor.next()) {
         cursor.values(values);
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            if (i > 0) out.push_back(',');
-            jet::appendMdbExportField(out, table.columns[i], values[i]);
-        }
-        out.push_back('\n');
+        jet::appendMdbExportRow(out, table, values);
         if (out.size() > (1u << 16)) flush(out);
     }
     flush(out);

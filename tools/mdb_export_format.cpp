@@ -28,21 +28,37 @@ void appendInteger(std::string& out, Integer value) {
 }
 
 // Text as mdbtools converts it: through UCS-2, where each surrogate is not a
-// character and becomes "?"; it ends at the first NUL.
-std::string mdbText(const std::u16string& text) {
-    std::string utf8;
-    utf8.reserve(text.size());
-    for (const char16_t c : text) {
-        if (c == 0) break;
-        const char16_t shown = (c >= 0xd800 && c <= 0xdfff) ? u'?' : c;
-        const std::size_t before = utf8.size();
-        appendUtf8(utf8, std::u16string_view(&shown, 1));
-        if (utf8.size() > kBindLimit) {
-            utf8.resize(before);
-            break;
+// character and becomes "?"; it ends at the first NUL, and at the end of
+// mdb-export's buffer. Empty text is written as nothing, like Null.
+void appendMdbText(std::string& out, const std::u16string& text) {
+    const std::size_t opening = out.size();
+    out.push_back('"');
+    std::size_t written = 0;
+    for (const char16_t unit : text) {
+        if (unit == 0) break;
+        if (unit < 0x80) {
+            if (written + 1 > kBindLimit) break;
+            if (unit == u'"') out.push_back('"');
+            out.push_back(static_cast<char>(unit));
+            ++written;
+            continue;
         }
+        const char16_t shown = (unit >= 0xd800 && unit <= 0xdfff) ? u'?' : unit;
+        const std::size_t width = shown < 0x80 ? 1 : shown < 0x800 ? 2 : 3;
+        if (written + width > kBindLimit) break;
+        appendUtf8(out, std::u16string_view(&shown, 1));
+        written += width;
     }
-    return utf8;
+    if (written == 0) {
+        out.resize(opening);
+    } else {
+        out.push_back('"');
+    }
+}
+
+void appendTwoDigits(std::string& out, long value) {
+    out.push_back(static_cast<char>('0' + value / 10 % 10));
+    out.push_back(static_cast<char>('0' + value % 10));
 }
 
 // Dates as mdbtools 1.0 computes them: its own calendar arithmetic, the time
@@ -85,11 +101,19 @@ void appendMdbDate(std::string& out, double days) {
         year = static_cast<int>(y);
         dayOfMonth = static_cast<int>(day - calendar[month] + 1);
     }
-    char buffer[64];
-    const int length = std::snprintf(buffer, sizeof buffer, "\"%02d/%02d/%02d %02ld:%02ld:%02ld\"",
-                                     month + 1, dayOfMonth, ((year % 100) + 100) % 100, hour,
-                                     minute, second);
-    out.append(buffer, static_cast<std::size_t>(length));
+    out.push_back('"');
+    appendTwoDigits(out, month + 1);
+    out.push_back('/');
+    appendTwoDigits(out, dayOfMonth);
+    out.push_back('/');
+    appendTwoDigits(out, year % 100);
+    out.push_back(' ');
+    appendTwoDigits(out, hour);
+    out.push_back(':');
+    appendTwoDigits(out, minute);
+    out.push_back(':');
+    appendTwoDigits(out, second);
+    out.push_back('"');
 }
 
 // Currency: ten-thousandths with four decimals, "-" for negatives.
@@ -104,11 +128,12 @@ void appendMdbMoney(std::string& out, std::int64_t tenThousandths) {
     out += digits;
 }
 
+// mdbtools writes a GUID with its own grouping, 8-4-4-16 digits.
 void appendGuid(std::string& out, const Bytes& b) {
     char buffer[48];
     const int length = std::snprintf(
         buffer, sizeof buffer,
-        "\"{%02X%02X%02X%02X-%02X%02X-%02X%02X-%02X%02X-%02X%02X%02X%02X%02X%02X}\"", b[3], b[2],
+        "\"{%02X%02X%02X%02X-%02X%02X-%02X%02X-%02X%02X%02X%02X%02X%02X%02X%02X}\"", b[3], b[2],
         b[1], b[0], b[5], b[4], b[7], b[6], b[8], b[9], b[10], b[11], b[12], b[13], b[14], b[15]);
     out.append(buffer, static_cast<std::size_t>(length));
 }
@@ -157,11 +182,9 @@ void appendMdbExportField(std::string& out, const Column& column, const Value& v
             out += value.asDecimal().toString();
             return;
         case ColumnType::Text:
-        case ColumnType::Memo: {
-            const std::string text = mdbText(value.asText());
-            if (!text.empty()) appendQuoted(out, text);
+        case ColumnType::Memo:
+            appendMdbText(out, value.asText());
             return;
-        }
         case ColumnType::ReplicationId:
             appendGuid(out, value.asBytes());
             return;
@@ -171,17 +194,28 @@ void appendMdbExportField(std::string& out, const Column& column, const Value& v
                                                bytes.size()));
             return;
         }
-        case ColumnType::Binary:
-            break;
+        case ColumnType::Binary: {
+            // The raw bytes up to the first zero byte.
+            const Bytes& bytes = value.asBytes();
+            std::size_t length = 0;
+            while (length < bytes.size() && bytes[length] != 0) ++length;
+            if (length > 0) {
+                appendQuoted(out,
+                             std::string_view(reinterpret_cast<const char*>(bytes.data()), length));
+            }
+            return;
+        }
     }
-    // Binary and unknown kinds: the raw bytes up to the first zero byte.
-    if (value.kind() != Value::Kind::Bytes) return;
-    const Bytes& bytes = value.asBytes();
-    std::size_t length = 0;
-    while (length < bytes.size() && bytes[length] != 0) ++length;
-    if (length > 0) {
-        appendQuoted(out, std::string_view(reinterpret_cast<const char*>(bytes.data()), length));
+    // Kinds mdbtools does not know (such as 0x11 in MSysAccessObjects) it writes as nothing.
+}
+
+void appendMdbExportRow(std::string& out, const TableDefinition& table,
+                        const std::vector<Value>& values) {
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (i > 0) out.push_back(',');
+        appendMdbExportField(out, table.columns[i], values[i]);
     }
+    out.push_back('\n');
 }
 
 }  // namespace jet

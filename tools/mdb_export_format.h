@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "store/jet/table_definition.h"
 #include "store/jet/value.h"
@@ -13,5 +14,8 @@ namespace jet {
 // values in double quotes with quotes doubled, Null and empty text as nothing.
 void appendMdbExportHeader(std::string& out, const TableDefinition& table);
 void appendMdbExportField(std::string& out, const Column& column, const Value& value);
+// One row: its fields in column order, then the newline.
+void appendMdbExportRow(std::string& out, const TableDefinition& table,
+                        const std::vector<Value>& values);
 
 }  // namespace jet

@@ -91,7 +91,7 @@ inline constexpr std::size_t kRealIndexColumnsOffset = 4;  // 10 x (u16 column n
 inline constexpr std::size_t kRealIndexMaxColumns = 10;
 inline constexpr std::size_t kRealIndexUsageMapOffset = 34;
 inline constexpr std::size_t kRealIndexFirstPageOffset = 38;
-inline constexpr std::size_t kRealIndexFlagsOffset = 42;
+inline constexpr std::size_t kRealIndexFlagsOffset = 46;
 
 inline constexpr std::size_t kLogicalIndexEntrySize = 28;
 inline constexpr std::size_t kLogicalIndexNumberOffset = 4;

@@ -33,6 +33,7 @@ bool TableCursor::loadPage(std::size_t index) {
 ByteView TableCursor::resolve(std::uint16_t row) {
     const DataPage home(page_, pages_[pageIndex_]);
     RowSlot slot = home.slot(row);
+    currentMoved_ = slot.overflow;
     if (!slot.overflow) return home.rowBytes(slot);
 
     std::uint32_t pointer = home.rowBytes(slot).u32(0);

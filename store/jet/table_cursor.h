@@ -33,6 +33,8 @@ public:
 
     // REQUIRES: next() returned true.
     RowId rowId() const { return current_; }
+    // Whether the row's data was moved to another page (the row keeps its place).
+    bool rowMoved() const { return currentMoved_; }
     void values(std::vector<Value>& out) const;
 
 private:
@@ -49,6 +51,7 @@ private:
     std::uint16_t nextRow_ = 0;
     bool started_ = false;
     RowId current_;
+    bool currentMoved_ = false;
     ByteView currentBytes_;
 };
 

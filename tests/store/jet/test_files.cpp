@@ -1,0 +1,83 @@
+#include "test_files.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <random>
+
+#include <sys/wait.h>
+
+namespace jet::testing {
+
+std::filesystem::path fixturesDir() {
+    const std::filesystem::path dir(SOFRAVAN_FIXTURES_DIR);
+    return std::filesystem::is_directory(dir / "access") ? dir : std::filesystem::path();
+}
+
+std::vector<std::filesystem::path> fixtureDatabases() {
+    std::vector<std::filesystem::path> files;
+    const std::filesystem::path dir = fixturesDir();
+    if (dir.empty()) return files;
+    for (const auto& entry : std::filesystem::directory_iterator(dir / "access")) {
+        if (entry.path().extension() == ".mdb") files.push_back(entry.path());
+    }
+    std::sort(files.begin(), files.end());
+    files.push_back(dir / "kvl" / "kvl.mdb");
+    files.push_back(dir / "kvl" / "yurtsayim" / "kvl.mdb");
+    return files;
+}
+
+std::string shellQuote(const std::string& text) {
+    std::string quoted = "'";
+    for (const char c : text) {
+        if (c == '\'') {
+            quoted += "'\\''";
+        } else {
+            quoted.push_back(c);
+        }
+    }
+    return quoted + "'";
+}
+
+std::string runCommand(const std::string& command, int* status) {
+    std::string output;
+    FILE* pipe = ::popen(command.c_str(), "r");
+    if (pipe == nullptr) {
+        if (status != nullptr) *status = -1;
+        return output;
+    }
+    char buffer[1 << 16];
+    std::size_t got = 0;
+    while ((got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) output.append(buffer, got);
+    const int raw = ::pclose(pipe);
+    if (status != nullptr) *status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    return output;
+}
+
+TempDir::TempDir() {
+    std::random_device random;
+    path_ = std::filesystem::temp_directory_path() /
+            ("sofravan-test-" + std::to_string(random()) + std::to_string(random()));
+    std::filesystem::create_directories(path_);
+}
+
+TempDir::~TempDir() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+}
+
+std::vector<unsigned char> readFileBytes(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::vector<unsigned char>(std::istreambuf_iterator<char>(in),
+                                      std::istreambuf_iterator<char>());
+}
+
+void writeFileBytes(const std::filesystem::path& path, const std::vector<unsigned char>& bytes) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out.write(reinterpret_cast<const char*>(bytes.data()),
+              static_cast<std::streamsize>(bytes.size()));
+}
+
+}  // namespace jet::testing

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace jet::testing {
+
+// The shared fixtures folder, or an empty path when it is absent.
+std::filesystem::path fixturesDir();
+
+// Skips the calling test, with a message, when the fixtures are absent.
+#define SKIP_WITHOUT_FIXTURES()                                                         \
+    do {                                                                                \
+        if (::jet::testing::fixturesDir().empty()) {                                    \
+            GTEST_SKIP() << "../shared/fixtures is absent: test skipped";               \
+        }                                                                               \
+    } while (false)
+
+// Every Access file among the fixtures that the dump must reproduce:
+// access/*.mdb and both kvl databases (not the large perf file).
+std::vector<std::filesystem::path> fixtureDatabases();
+
+// Runs a shell command and returns what it wrote on standard output.
+// `status` receives its exit status.
+std::string runCommand(const std::string& command, int* status = nullptr);
+std::string shellQuote(const std::string& text);
+
+// A fresh directory under the system's temporary folder, removed with the object.
+class TempDir {
+public:
+    TempDir();
+    ~TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+    const std::filesystem::path& path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+std::vector<unsigned char> readFileBytes(const std::filesystem::path& path);
+void writeFileBytes(const std::filesystem::path& path, const std::vector<unsigned char>& bytes);
+
+}  // namespace jet::testing
