@@ -15,7 +15,7 @@ bool CatalogEntry::isUserTable() const {
     return isTable() && (flags & format::kObjectFlagsSystem) == 0;
 }
 
-std::vector<CatalogEntry> readCatalog(const PageFile& file) {
+std::vector<CatalogEntry> readCatalog(const PageSource& file) {
     const TableDefinition objects = readTableDefinition(file, format::kCatalogPage);
     int idColumn = -1;
     int parentColumn = -1;

@@ -6,7 +6,7 @@
 
 namespace jet {
 
-class PageFile;
+class PageSource;
 
 // One object of the database as the system table MSysObjects lists it.
 struct CatalogEntry {
@@ -23,6 +23,6 @@ struct CatalogEntry {
 };
 
 // Every object of the catalog, in its stored order.
-std::vector<CatalogEntry> readCatalog(const PageFile& file);
+std::vector<CatalogEntry> readCatalog(const PageSource& file);
 
 }  // namespace jet

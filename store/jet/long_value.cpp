@@ -20,7 +20,7 @@ std::string where(std::uint32_t pointer) {
 }
 
 // The bytes of the row a long value pointer names; the page stays in `page`.
-ByteView longValueRow(const PageFile& file, std::uint32_t pointer, Page& page) {
+ByteView longValueRow(const PageSource& file, std::uint32_t pointer, Page& page) {
     file.read(pointerPage(pointer), page);
     const DataPage dataPage(page, pointerPage(pointer));
     return dataPage.rowBytes(dataPage.slot(pointerRow(pointer)));
@@ -28,7 +28,7 @@ ByteView longValueRow(const PageFile& file, std::uint32_t pointer, Page& page) {
 
 }  // namespace
 
-Bytes readLongValue(const PageFile& file, ByteView field) {
+Bytes readLongValue(const PageSource& file, ByteView field) {
     if (field.size() < l::kReferenceSize) {
         throw Error("a memo or OLE reference of " + std::to_string(field.size()) +
                     " bytes is shorter than 12 bytes");
@@ -60,7 +60,7 @@ Bytes readLongValue(const PageFile& file, ByteView field) {
     // A chain of rows, each beginning with the pointer to the next.
     Bytes value;
     // The claimed length is not trusted for the reservation: at most what the file holds.
-    value.reserve(std::min<std::uint64_t>(length, file.sizeInBytes()));
+    value.reserve(std::min<std::uint64_t>(length, std::uint64_t{file.pageCount()} * format::kPageSize));
     std::set<std::uint32_t> seen;
     std::uint32_t next = pointer;
     while (value.size() < length) {

@@ -1,9 +1,11 @@
 #include "page_file.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cerrno>
 #include <cstring>
 
@@ -12,8 +14,20 @@
 
 namespace jet {
 
-PageFile::PageFile(const std::string& path) : path_(path) {
-    fd_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+namespace {
+long crashCountdown = -1;
+}  // namespace
+
+void setCrashAfterWrites(long writes) { crashCountdown = writes; }
+
+void crashPoint() {
+    if (crashCountdown < 0) return;
+    if (crashCountdown == 0) ::kill(::getpid(), SIGKILL);
+    --crashCountdown;
+}
+
+PageFile::PageFile(const std::string& path, Mode mode) : path_(path), mode_(mode) {
+    fd_ = ::open(path.c_str(), (mode == Mode::ReadWrite ? O_RDWR : O_RDONLY) | O_CLOEXEC);
     if (fd_ < 0) {
         throw Error("cannot open " + path + ": " + std::strerror(errno));
     }
@@ -73,6 +87,71 @@ void PageFile::read(std::uint32_t number, Page& page) const {
     if (encodingKey_ != 0 && number != 0) {
         rc4Apply(encodingKey_ ^ number, page.data(), page.size());
     }
+}
+
+void PageFile::write(std::uint32_t number, const Page& page) {
+    if (mode_ != Mode::ReadWrite) throw Error(path_ + " is open for reading only");
+    Page stored = page;
+    if (encodingKey_ != 0 && number != 0) {
+        rc4Apply(encodingKey_ ^ number, stored.data(), stored.size());
+    }
+    crashPoint();
+    const off_t offset = static_cast<off_t>(number) * static_cast<off_t>(format::kPageSize);
+    std::size_t done = 0;
+    while (done < stored.size()) {
+        const ssize_t put = ::pwrite(fd_, stored.data() + done, stored.size() - done,
+                                     offset + static_cast<off_t>(done));
+        if (put < 0 && errno == EINTR) continue;
+        if (put <= 0) {
+            throw Error("cannot write page " + std::to_string(number) + " of " + path_ + ": " +
+                        std::strerror(errno));
+        }
+        done += static_cast<std::size_t>(put);
+    }
+}
+
+void PageFile::truncate(std::uint32_t pageCount) {
+    crashPoint();
+    if (::ftruncate(fd_, static_cast<off_t>(pageCount) * static_cast<off_t>(format::kPageSize)) !=
+        0) {
+        throw Error("cannot cut " + path_ + " back to " + std::to_string(pageCount) +
+                    " pages: " + std::strerror(errno));
+    }
+}
+
+void PageFile::sync() {
+    if (::fsync(fd_) != 0) {
+        throw Error("cannot flush " + path_ + " to disk: " + std::strerror(errno));
+    }
+}
+
+// Locks of the open file description, where the system has them: a plain
+// record lock belongs to the process and goes when any of its descriptors of
+// the file is closed.
+#ifdef F_OFD_SETLKW
+constexpr int kLockWait = F_OFD_SETLKW;
+constexpr int kLockSet = F_OFD_SETLK;
+#else
+constexpr int kLockWait = F_SETLKW;
+constexpr int kLockSet = F_SETLK;
+#endif
+
+PageFile::WriteLock::WriteLock(const PageFile& file) : fd_(file.fd_) {
+    struct flock lock {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    while (::fcntl(fd_, kLockWait, &lock) != 0) {
+        if (errno != EINTR) {
+            throw Error("cannot lock " + file.path_ + " for writing: " + std::strerror(errno));
+        }
+    }
+}
+
+PageFile::WriteLock::~WriteLock() {
+    struct flock lock {};
+    lock.l_type = F_UNLCK;
+    lock.l_whence = SEEK_SET;
+    ::fcntl(fd_, kLockSet, &lock);
 }
 
 }  // namespace jet

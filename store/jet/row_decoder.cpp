@@ -18,7 +18,7 @@ Decimal readDecimal(ByteView field) {
     return decimal;
 }
 
-Value decodeField(const PageFile& file, const Column& column, ByteView field) {
+Value decodeField(const PageSource& file, const Column& column, ByteView field) {
     const auto needs = [&](std::size_t size) {
         if (field.size() < size) {
             throw Error("the value of column " + toUtf8(column.name) + " (" +
@@ -75,7 +75,7 @@ Value decodeField(const PageFile& file, const Column& column, ByteView field) {
 
 }  // namespace
 
-void decodeRow(const PageFile& file, const TableDefinition& table, ByteView row,
+void decodeRow(const PageSource& file, const TableDefinition& table, ByteView row,
                std::vector<Value>& values) {
     values.resize(table.columns.size());
     const std::size_t rowColumns = row.u16(0);

@@ -8,7 +8,7 @@
 
 namespace jet {
 
-class PageFile;
+class PageSource;
 
 // Turns the stored bytes of one row into values, in the order of
 // TableDefinition::columns. A row holds its column count, the fixed-length
@@ -17,7 +17,7 @@ class PageFile;
 // the null mask, in that order. Columns added after the row was written, and
 // columns whose null bit is clear, are Null; a Boolean is its null bit.
 // Throws Error when the row's offsets do not fit its bytes.
-void decodeRow(const PageFile& file, const TableDefinition& table, ByteView row,
+void decodeRow(const PageSource& file, const TableDefinition& table, ByteView row,
                std::vector<Value>& values);
 
 }  // namespace jet

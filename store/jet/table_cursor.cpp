@@ -17,7 +17,7 @@ constexpr int kMaxOverflowHops = 4;
 
 }  // namespace
 
-TableCursor::TableCursor(const PageFile& file, const TableDefinition& table)
+TableCursor::TableCursor(const PageSource& file, const TableDefinition& table)
     : file_(file), table_(table), pages_(readUsageMap(file, table.usageMap)) {}
 
 bool TableCursor::loadPage(std::size_t index) {

@@ -26,7 +26,7 @@ class TableCursor {
 public:
     // Reads the table's usage map; pages it names that belong to another
     // table are passed over, as Jet leaves stale bits in such maps.
-    TableCursor(const PageFile& file, const TableDefinition& table);
+    TableCursor(const PageSource& file, const TableDefinition& table);
 
     // Moves to the next live row; false when there is none.
     bool next();
@@ -41,7 +41,7 @@ private:
     bool loadPage(std::size_t index);
     ByteView resolve(std::uint16_t row);
 
-    const PageFile& file_;
+    const PageSource& file_;
     const TableDefinition& table_;
     std::vector<std::uint32_t> pages_;  // data pages from the usage map
     std::size_t pageIndex_ = 0;         // the page in page_, as index into pages_

@@ -15,7 +15,7 @@ namespace t = format::tdef;
 
 // The definition's pages joined: the first page whole, then each following
 // page without its 8-byte header, as Jet lays a long definition out.
-std::vector<std::uint8_t> readDefinitionBytes(const PageFile& file, std::uint32_t first,
+std::vector<std::uint8_t> readDefinitionBytes(const PageSource& file, std::uint32_t first,
                                               std::vector<std::uint32_t>& pages) {
     std::vector<std::uint8_t> bytes;
     std::set<std::uint32_t> seen;
@@ -93,7 +93,7 @@ const Column* TableDefinition::columnByNumber(std::uint16_t number) const {
     return nullptr;
 }
 
-TableDefinition readTableDefinition(const PageFile& file, std::uint32_t page) {
+TableDefinition readTableDefinition(const PageSource& file, std::uint32_t page) {
     TableDefinition table;
     table.page = page;
     const std::vector<std::uint8_t> storage = readDefinitionBytes(file, page, table.pages);

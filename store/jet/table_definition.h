@@ -6,7 +6,7 @@
 
 namespace jet {
 
-class PageFile;
+class PageSource;
 
 enum class ColumnType : std::uint8_t {
     Boolean = 0x01,
@@ -96,6 +96,6 @@ struct TableDefinition {
 
 // Reads the table definition that starts at `page`, following its chain of
 // pages. Throws Error when the pages are not a valid definition.
-TableDefinition readTableDefinition(const PageFile& file, std::uint32_t page);
+TableDefinition readTableDefinition(const PageSource& file, std::uint32_t page);
 
 }  // namespace jet

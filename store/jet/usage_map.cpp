@@ -33,7 +33,7 @@ void collectBits(ByteView bitmap, std::uint64_t firstPage, std::uint32_t pageCou
 
 }  // namespace
 
-std::vector<std::uint32_t> readUsageMap(const PageFile& file, std::uint32_t pointer) {
+std::vector<std::uint32_t> readUsageMap(const PageSource& file, std::uint32_t pointer) {
     const std::uint32_t pageCount = file.pageCount();
     Page page{};
     file.read(pointerPage(pointer), page);

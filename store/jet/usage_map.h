@@ -5,13 +5,13 @@
 
 namespace jet {
 
-class PageFile;
+class PageSource;
 
 // The pages a usage map marks, in ascending order. `pointer` is the row
 // pointer of the map as a table definition holds it. A map is stored inline
 // (a first page number and a bitmap) or by reference (pointers to usage map
 // pages, each a bitmap of 32,736 pages). Pages beyond the end of the file are
 // damage and throw Error.
-std::vector<std::uint32_t> readUsageMap(const PageFile& file, std::uint32_t pointer);
+std::vector<std::uint32_t> readUsageMap(const PageSource& file, std::uint32_t pointer);
 
 }  // namespace jet
