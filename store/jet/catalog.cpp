@@ -1,6 +1,9 @@
 #include "catalog.h"
 
+#include <algorithm>
+
 #include "error.h"
+#include "text.h"
 #include "format.h"
 #include "table_cursor.h"
 #include "table_definition.h"
@@ -55,6 +58,35 @@ std::vector<CatalogEntry> readCatalog(const PageSource& file) {
         entries.push_back(std::move(entry));
     }
     return entries;
+}
+
+namespace {
+
+bool equalIgnoringAsciiCase(std::u16string_view a, std::u16string_view b) {
+    const auto lower = [](char16_t c) {
+        return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c;
+    };
+    return a.size() == b.size() &&
+           std::equal(a.begin(), a.end(), b.begin(),
+                      [&](char16_t x, char16_t y) { return lower(x) == lower(y); });
+}
+
+}  // namespace
+
+TableDefinition findTable(const PageSource& file, std::u16string_view name) {
+    const std::vector<CatalogEntry> entries = readCatalog(file);
+    const auto exact = std::find_if(entries.begin(), entries.end(), [&](const CatalogEntry& e) {
+        return e.isTable() && e.name == name;
+    });
+    const auto found = exact != entries.end()
+                           ? exact
+                           : std::find_if(entries.begin(), entries.end(), [&](const CatalogEntry& e) {
+                                 return e.isTable() && equalIgnoringAsciiCase(e.name, name);
+                             });
+    if (found == entries.end()) throw Error("table " + toUtf8(name) + " does not exist");
+    TableDefinition definition = readTableDefinition(file, found->definitionPage());
+    definition.name = found->name;
+    return definition;
 }
 
 }  // namespace jet

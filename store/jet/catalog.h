@@ -2,7 +2,10 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "table_definition.h"
 
 namespace jet {
 
@@ -24,5 +27,10 @@ struct CatalogEntry {
 
 // Every object of the catalog, in its stored order.
 std::vector<CatalogEntry> readCatalog(const PageSource& file);
+
+// The definition of the table of that name: the exact name, or else the
+// first that differs only in the case of ASCII letters. Throws Error when
+// there is none.
+TableDefinition findTable(const PageSource& file, std::u16string_view name);
 
 }  // namespace jet

@@ -1,26 +1,22 @@
 #include "database.h"
 
-#include <algorithm>
 
 #include "error.h"
+#include "journal.h"
+#include "table_writer.h"
 #include "text.h"
+#include "write_statement.h"
 
 namespace jet {
-namespace {
 
-bool equalIgnoringAsciiCase(std::u16string_view a, std::u16string_view b) {
-    const auto lower = [](char16_t c) {
-        return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c;
-    };
-    return a.size() == b.size() &&
-           std::equal(a.begin(), a.end(), b.begin(),
-                      [&](char16_t x, char16_t y) { return lower(x) == lower(y); });
-}
-
-}  // namespace
-
-Database::Database(const std::string& path) : file_(path), header_(readHeader(file_)) {
+Database::Database(const std::string& path, PageFile::Mode mode)
+    : file_(path, mode), header_(readHeader(file_)) {
     file_.setEncodingKey(header_.encodingKey);
+    if (mode == PageFile::Mode::ReadWrite) {
+        // A statement a crashed writer left unfinished is undone first.
+        const PageFile::WriteLock lock(file_);
+        RollbackJournal::rollBack(file_);
+    }
 }
 
 std::vector<CatalogEntry> Database::catalog() const { return readCatalog(file_); }
@@ -34,25 +30,44 @@ std::vector<std::u16string> Database::userTableNames() const {
 }
 
 TableDefinition Database::table(std::u16string_view name) const {
-    const std::vector<CatalogEntry> entries = catalog();
-    const CatalogEntry* found = nullptr;
-    for (const CatalogEntry& entry : entries) {
-        if (entry.isTable() && entry.name == name) {
-            found = &entry;
-            break;
-        }
+    try {
+        return findTable(file_, name);
+    } catch (const Error& error) {
+        throw Error(std::string(error.what()) + " in " + file_.path());
     }
-    for (const CatalogEntry& entry : entries) {
-        if (found == nullptr && entry.isTable() && equalIgnoringAsciiCase(entry.name, name)) {
-            found = &entry;
-        }
-    }
-    if (found == nullptr) {
-        throw Error("table " + toUtf8(name) + " does not exist in " + file_.path());
-    }
-    TableDefinition definition = readTableDefinition(file_, found->definitionPage());
-    definition.name = found->name;
-    return definition;
+}
+
+void Database::write(const std::function<void(WriteStatement&)>& work) {
+    WriteStatement statement(file_);
+    work(statement);
+    statement.commit();
+}
+
+std::vector<RowId> Database::insertRows(std::u16string_view tableName,
+                                        const std::vector<std::vector<Value>>& rows) {
+    std::vector<RowId> placed;
+    write([&](WriteStatement& statement) {
+        const TableDefinition table = findTable(statement, tableName);
+        TableWriter writer(statement, table);
+        for (const std::vector<Value>& row : rows) placed.push_back(writer.insert(row));
+    });
+    return placed;
+}
+
+void Database::updateRow(std::u16string_view tableName, RowId row,
+                         const std::vector<Value>& values) {
+    write([&](WriteStatement& statement) {
+        const TableDefinition table = findTable(statement, tableName);
+        TableWriter(statement, table).update(row, values);
+    });
+}
+
+void Database::deleteRows(std::u16string_view tableName, const std::vector<RowId>& rows) {
+    write([&](WriteStatement& statement) {
+        const TableDefinition table = findTable(statement, tableName);
+        TableWriter writer(statement, table);
+        for (const RowId row : rows) writer.remove(row);
+    });
 }
 
 }  // namespace jet

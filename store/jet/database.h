@@ -1,6 +1,6 @@
 #pragma once
 
-#include <memory>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,16 +10,19 @@
 #include "page_file.h"
 #include "table_cursor.h"
 #include "table_definition.h"
+#include "write_statement.h"
 
 namespace jet {
 
-// An open Jet 4 database file, for reading. Each call reads what it needs
-// from the file afresh, so that it sees what another program wrote since.
+// An open Jet 4 database file. Each call reads what it needs from the file
+// afresh, so that it sees what another program wrote since. Each write is
+// one statement: under the file's write lock, journaled, atomic on disk.
 class Database {
 public:
     // Opens the file and reads its header. Throws Error for a file that is
-    // missing, unreadable, or not a Jet 4 database.
-    explicit Database(const std::string& path);
+    // missing, unreadable, or not a Jet 4 database. Opened for writing, it
+    // first rolls back a statement that a crashed writer left unfinished.
+    explicit Database(const std::string& path, PageFile::Mode mode = PageFile::Mode::ReadOnly);
 
     const std::string& path() const { return file_.path(); }
     const DatabaseHeader& header() const { return header_; }
@@ -36,6 +39,17 @@ public:
 
     // REQUIRES: `table` outlives the cursor.
     TableCursor scan(const TableDefinition& table) const { return TableCursor(file_, table); }
+
+    // Runs `work` as one write statement and commits it; an exception from
+    // `work` leaves the file as it was. REQUIRES: opened ReadWrite.
+    void write(const std::function<void(WriteStatement&)>& work);
+
+    // One statement each: rows inserted (values in column order; a Null
+    // AutoNumber is numbered), a row replaced, rows deleted.
+    std::vector<RowId> insertRows(std::u16string_view table,
+                                  const std::vector<std::vector<Value>>& rows);
+    void updateRow(std::u16string_view table, RowId row, const std::vector<Value>& values);
+    void deleteRows(std::u16string_view table, const std::vector<RowId>& rows);
 
 private:
     PageFile file_;

@@ -126,6 +126,24 @@ inline constexpr std::uint32_t kSinglePage = 0x40000000;
 inline constexpr std::uint32_t kLengthMask = 0x3fffffff;
 }  // namespace lval
 
+// Index pages (type 0x03 intermediate, 0x04 leaf): a B-tree of keys. Keys
+// and the pointers after them are big-endian, the page header little-endian.
+namespace index {
+inline constexpr std::size_t kFreeSpaceOffset = 2;
+inline constexpr std::size_t kOwnerOffset = 4;  // tdef page
+inline constexpr std::size_t kPrevPageOffset = 12;
+inline constexpr std::size_t kNextPageOffset = 16;
+inline constexpr std::size_t kTailPageOffset = 20;  // intermediate: the last leaf
+inline constexpr std::size_t kPrefixLengthOffset = 24;  // u16, bytes the entries share
+// One bit per byte of the entry area, low bit first: a set bit marks the end
+// of an entry, counted from kEntriesOffset.
+inline constexpr std::size_t kEntryMaskOffset = 0x1b;
+inline constexpr std::size_t kEntriesOffset = 0x1e0;
+inline constexpr std::size_t kEntryMaskLength = kEntriesOffset - kEntryMaskOffset;
+inline constexpr std::size_t kRowPointerSize = 4;    // data page (3 bytes), row (1 byte)
+inline constexpr std::size_t kChildPointerSize = 4;  // intermediate entries: the child page
+}  // namespace index
+
 // Usage maps: a row holding a bitmap of pages.
 namespace usage {
 inline constexpr std::uint8_t kInlineMap = 0x00;     // u32 first page, then the bitmap

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <vector>
+
+#include "table_definition.h"
+#include "value.h"
+
+namespace jet {
+
+// Index keys as Jet 4 writes them: byte strings whose plain byte order is the
+// index order. Each column adds a flag byte (0x7f a value, 0x00 Null; for a
+// descending column 0x80 and 0xff) and, for a value, its encoding, whose
+// bytes a descending column inverts.
+//
+// Text is keyed in the General sort order of Access 2000 (sort order 0x409,
+// version 0), for the characters of ASCII, Latin-1 and the Turkish alphabet;
+// letters key without regard to case. Any other sort order or character
+// throws Error rather than give a key that might differ from Jet's.
+
+// Whether Jet keeps an entry for a row with these values: an index that
+// ignores nulls leaves out the rows whose key columns are all Null.
+// REQUIRES: values are in the order of table.columns.
+bool isRowIndexed(const TableDefinition& table, const RealIndex& index,
+                  const std::vector<Value>& values);
+
+// The key of a row in the index. Throws Error when a value cannot be keyed.
+// REQUIRES: values are in the order of table.columns.
+Bytes encodeIndexKey(const TableDefinition& table, const RealIndex& index,
+                     const std::vector<Value>& values);
+
+// Appends one column's part of a key. Throws Error when the value is not of
+// the column's kind or cannot be keyed.
+void appendColumnKey(Bytes& key, const Column& column, bool ascending, const Value& value);
+
+}  // namespace jet

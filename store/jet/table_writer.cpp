@@ -1,0 +1,246 @@
+#include "table_writer.h"
+
+#include <algorithm>
+#include <cstring>
+#include <set>
+#include <string>
+
+#include "data_page.h"
+#include "data_page_builder.h"
+#include "error.h"
+#include "format.h"
+#include "row_encoder.h"
+#include "text.h"
+#include "usage_map.h"
+#include "usage_map_writer.h"
+#include "write_statement.h"
+
+namespace jet {
+namespace {
+
+namespace d = format::data;
+namespace l = format::lval;
+
+// Long values up to this size stay in the row.
+constexpr std::size_t kMaxInlineLongValue = 64;
+// The most a long value row carries: a whole page less its header and offset.
+constexpr std::size_t kMaxLongValueRow = kMaxRowSize;
+
+void putU32(Bytes& out, std::size_t at, std::uint32_t value) {
+    std::memcpy(out.data() + at, &value, 4);
+}
+
+std::uint32_t pointerTo(RowId row) { return (row.page << 8) | row.row; }
+
+Bytes reference(std::uint32_t header, std::uint32_t pointer) {
+    Bytes bytes(l::kReferenceSize, 0);
+    putU32(bytes, 0, header);
+    putU32(bytes, 4, pointer);
+    return bytes;
+}
+
+std::uint32_t readU32(const Page& page, std::size_t at) {
+    std::uint32_t value;
+    std::memcpy(&value, page.data() + at, 4);
+    return value;
+}
+
+}  // namespace
+
+TableWriter::TableWriter(WriteStatement& statement, const TableDefinition& table)
+    : statement_(statement), table_(table) {
+    if (!table.realIndexes.empty()) {
+        throw Error("table " + toUtf8(table.name) + " has indexes, and this version cannot yet " +
+                    "keep indexes in step: nothing was written");
+    }
+}
+
+std::uint32_t TableWriter::lastDataPage() {
+    if (lastPage_ != 0) return lastPage_;
+    const std::vector<std::uint32_t> pages = readUsageMap(statement_, table_.usageMap);
+    Page page{};
+    for (auto it = pages.rbegin(); it != pages.rend(); ++it) {
+        statement_.read(*it, page);
+        if (page[0] == format::kPageData && readU32(page, d::kOwnerOffset) == table_.page) {
+            lastPage_ = *it;
+            return lastPage_;
+        }
+    }
+    lastPage_ = newDataPage(table_.page);
+    return lastPage_;
+}
+
+std::uint32_t TableWriter::newDataPage(std::uint32_t owner) {
+    const std::uint32_t number = allocatePage(statement_);
+    initDataPage(statement_.change(number), owner);
+    if (owner == table_.page) {
+        addToUsageMap(statement_, table_.usageMap, number);
+        addToUsageMap(statement_, table_.freeSpaceMap, number);
+    }
+    return number;
+}
+
+RowId TableWriter::placeRow(const Bytes& row, std::uint16_t flags) {
+    std::uint32_t page = lastDataPage();
+    if (!dataPageFits(statement_.change(page), row.size())) {
+        // The full page leaves the map of pages with free space.
+        removeFromUsageMap(statement_, table_.freeSpaceMap, page);
+        page = newDataPage(table_.page);
+        lastPage_ = page;
+    }
+    const std::uint16_t slot = appendRow(statement_.change(page), row, flags);
+    return RowId{page, slot};
+}
+
+Bytes TableWriter::storeLongValue(const Bytes& stored) {
+    const auto length = static_cast<std::uint32_t>(stored.size());
+    if (stored.size() > l::kLengthMask) throw Error("a memo or OLE value is too long");
+    if (stored.size() <= kMaxInlineLongValue) {
+        Bytes field = reference(length | l::kInline, 0);
+        field.insert(field.end(), stored.begin(), stored.end());
+        return field;
+    }
+    const auto lvalPageFor = [&](std::size_t size) {
+        if (longValuePage_ == 0 || !dataPageFits(statement_.change(longValuePage_), size)) {
+            longValuePage_ = newDataPage(kLongValueOwner);
+        }
+        return longValuePage_;
+    };
+    if (stored.size() <= kMaxLongValueRow) {
+        const std::uint32_t page = lvalPageFor(stored.size());
+        const std::uint16_t slot = appendRow(statement_.change(page), stored);
+        return reference(length | l::kSinglePage, pointerTo({page, slot}));
+    }
+    // A chain: written from its end, so that each part knows the next.
+    constexpr std::size_t kPart = kMaxLongValueRow - 4;
+    std::uint32_t next = 0;
+    std::size_t end = stored.size();
+    while (end > 0) {
+        const std::size_t begin = end > kPart ? ((end - 1) / kPart) * kPart : 0;
+        Bytes part(4);
+        putU32(part, 0, next);
+        part.insert(part.end(), stored.begin() + static_cast<std::ptrdiff_t>(begin),
+                    stored.begin() + static_cast<std::ptrdiff_t>(end));
+        const std::uint32_t page = lvalPageFor(part.size());
+        next = pointerTo({page, appendRow(statement_.change(page), part)});
+        end = begin;
+    }
+    return reference(length, next);
+}
+
+// Marks the long value rows of a row's memo and OLE values deleted.
+void TableWriter::freeLongValues(ByteView row) {
+    const std::size_t rowColumns = row.u16(0);
+    const std::size_t maskSize = (rowColumns + 7) / 8;
+    const std::size_t offsetTableEnd = row.size() - maskSize;
+    const std::size_t rowVariableColumns = table_.variableColumnCount > 0 ? row.u16(offsetTableEnd - 2) : 0;
+    const ByteView nullMask = row.sub(offsetTableEnd, maskSize);
+    for (const Column& column : table_.columns) {
+        if (!column.isLongValue() || column.number >= rowColumns ||
+            (nullMask.u8(column.number / 8) & (1u << (column.number % 8))) == 0 ||
+            column.variableIndex >= rowVariableColumns) {
+            continue;
+        }
+        const std::size_t start = row.u16(offsetTableEnd - 4 - 2 * column.variableIndex);
+        const ByteView field = row.sub(start, l::kReferenceSize);
+        const std::uint32_t header = field.u32(0);
+        if ((header & l::kInline) != 0) continue;
+        std::uint32_t pointer = field.u32(4);
+        std::set<std::uint32_t> seen;
+        while (pointer != 0 && seen.insert(pointer).second) {
+            Page& page = statement_.change(pointerPage(pointer));
+            const DataPage dataPage(page, pointerPage(pointer));
+            const RowSlot slot = dataPage.slot(pointerRow(pointer));
+            const std::uint32_t next =
+                (header & l::kSinglePage) != 0 ? 0 : dataPage.rowBytes(slot).u32(0);
+            setRowFlags(page, pointerRow(pointer), d::kRowDeleted | d::kRowOverflow);
+            pointer = next;
+        }
+    }
+}
+
+void TableWriter::addToRowCount(int delta) {
+    Page& page = statement_.change(table_.page);
+    const std::uint32_t count = readU32(page, format::tdef::kRowCountOffset);
+    const std::uint32_t updated = static_cast<std::uint32_t>(static_cast<std::int64_t>(count) + delta);
+    std::memcpy(page.data() + format::tdef::kRowCountOffset, &updated, 4);
+}
+
+RowId TableWriter::insert(std::vector<Value> values) {
+    for (std::size_t i = 0; i < table_.columns.size() && i < values.size(); ++i) {
+        const Column& column = table_.columns[i];
+        if ((column.flags & format::kColumnAutoLong) != 0 && values[i].isNull()) {
+            Page& page = statement_.change(table_.page);
+            const std::uint32_t next = readU32(page, format::tdef::kAutoNumberOffset) + 1;
+            std::memcpy(page.data() + format::tdef::kAutoNumberOffset, &next, 4);
+            values[i] = Value::integer(static_cast<std::int32_t>(next));
+        }
+    }
+    const Bytes row = encodeRow(table_, values,
+                                [&](const Column&, const Bytes& stored) { return storeLongValue(stored); });
+    const RowId placed = placeRow(row, 0);
+    addToRowCount(1);
+    return placed;
+}
+
+void TableWriter::update(RowId row, const std::vector<Value>& values) {
+    Page homePage{};
+    statement_.read(row.page, homePage);
+    const DataPage home(homePage, row.page);
+    if (home.owner() != table_.page) {
+        throw Error("page " + std::to_string(row.page) + " holds no rows of table " + toUtf8(table_.name));
+    }
+    const RowSlot homeSlot = home.slot(row.row);
+    if (homeSlot.deleted) throw Error("the row was deleted meanwhile");
+
+    // Where the row's data is now: in its slot, or where its pointer leads.
+    RowId data = row;
+    if (homeSlot.overflow) {
+        const std::uint32_t pointer = home.rowBytes(homeSlot).u32(0);
+        data = RowId{pointerPage(pointer), pointerRow(pointer)};
+    }
+    {
+        Page dataPage{};
+        statement_.read(data.page, dataPage);
+        const DataPage current(dataPage, data.page);
+        freeLongValues(current.rowBytes(current.slot(data.row)));
+    }
+    const Bytes encoded = encodeRow(table_, values,
+                                    [&](const Column&, const Bytes& stored) { return storeLongValue(stored); });
+    if (!homeSlot.overflow) {
+        if (replaceRow(statement_.change(row.page), row.row, encoded, 0)) return;
+    } else {
+        if (replaceRow(statement_.change(data.page), data.row, encoded, d::kRowDeleted)) return;
+        setRowFlags(statement_.change(data.page), data.row, d::kRowDeleted | d::kRowOverflow);
+    }
+    // The row no longer fits where it is: its data moves, its slot keeps a pointer.
+    const RowId moved = placeRow(encoded, d::kRowDeleted);
+    Bytes pointer(4);
+    putU32(pointer, 0, pointerTo(moved));
+    if (!replaceRow(statement_.change(row.page), row.row, pointer, d::kRowOverflow)) {
+        throw Error("page " + std::to_string(row.page) + " has no room for a row's pointer");
+    }
+}
+
+void TableWriter::remove(RowId row) {
+    Page& page = statement_.change(row.page);
+    const DataPage home(page, row.page);
+    if (home.owner() != table_.page) {
+        throw Error("page " + std::to_string(row.page) + " holds no rows of table " + toUtf8(table_.name));
+    }
+    const RowSlot slot = home.slot(row.row);
+    if (slot.deleted) throw Error("the row was deleted meanwhile");
+    if (slot.overflow) {
+        const std::uint32_t pointer = home.rowBytes(slot).u32(0);
+        Page& targetPage = statement_.change(pointerPage(pointer));
+        const DataPage target(targetPage, pointerPage(pointer));
+        freeLongValues(target.rowBytes(target.slot(pointerRow(pointer))));
+        setRowFlags(targetPage, pointerRow(pointer), d::kRowDeleted | d::kRowOverflow);
+    } else {
+        freeLongValues(home.rowBytes(slot));
+    }
+    setRowFlags(statement_.change(row.page), row.row, d::kRowDeleted | d::kRowOverflow);
+    addToRowCount(-1);
+}
+
+}  // namespace jet

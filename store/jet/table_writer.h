@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "table_cursor.h"
+#include "table_definition.h"
+#include "value.h"
+
+namespace jet {
+
+class WriteStatement;
+
+// Inserts, updates and deletes the rows of one table within a write
+// statement, keeping the table definition's row count and AutoNumber, the
+// table's usage maps and the database's page allocation right.
+//
+// A new row goes after the table's last row, on its last data page or on a
+// new page at the end of the file, so that a scan returns rows in insertion
+// order; the space of deleted rows is not reused. A row that grows beyond
+// what its page holds moves to another page and leaves a pointer in its slot.
+//
+// Tables with indexes are refused until index keys are written: the engine
+// never leaves an index that does not hold its table's rows.
+class TableWriter {
+public:
+    // REQUIRES: `table` was read through `statement` and outlives the writer.
+    TableWriter(WriteStatement& statement, const TableDefinition& table);
+
+    // Values in the order of the table's columns; a Null AutoNumber receives
+    // the table's next number.
+    RowId insert(std::vector<Value> values);
+    void update(RowId row, const std::vector<Value>& values);
+    void remove(RowId row);
+
+private:
+    Bytes storeLongValue(const Bytes& stored);
+    void freeLongValues(ByteView row);
+    std::uint32_t lastDataPage();
+    std::uint32_t newDataPage(std::uint32_t owner);
+    RowId placeRow(const Bytes& row, std::uint16_t flags);
+    void addToRowCount(int delta);
+
+    WriteStatement& statement_;
+    const TableDefinition& table_;
+    std::uint32_t lastPage_ = 0;       // the table's last data page, once known
+    std::uint32_t longValuePage_ = 0;  // the long value page this writer fills
+};
+
+}  // namespace jet
