@@ -75,7 +75,9 @@ void appendMdbDate(std::string& out, double days) {
     long second = 0;
     if (days >= 0.0 && days <= 1e6) {
         long day = static_cast<long>(days);
-        const long time = static_cast<long>((days - static_cast<double>(day)) * 86400.0 + 0.5);
+        // mdbtools rounds by adding a half and truncating; kept for identical output.
+        const long time = static_cast<long>(  // NOLINTNEXTLINE(bugprone-incorrect-roundings)
+            (days - static_cast<double>(day)) * 86400.0 + 0.5);
         hour = time / 3600;
         minute = (time / 60) % 60;
         second = time % 60;
