@@ -225,7 +225,21 @@ Bytes encodeRow(const TableDefinition& table, const std::vector<Value>& values,
         if (value.isNull()) continue;
         markPresent(column);
         if (column.isFixed()) {
-            if (column.type == ColumnType::Text || column.type == ColumnType::Binary) {
+            if (column.type == ColumnType::Text) {
+                // A fixed-length text (CHAR) holds its full length: Jet pads it
+                // with spaces, stored uncompressed.
+                if (value.kind() != Value::Kind::Text) refuse(column, "a text is needed");
+                std::u16string padded = value.asText();
+                if (padded.size() * 2 > column.length) {
+                    refuse(column, "the text has " + std::to_string(padded.size()) +
+                                       " characters; the column holds " +
+                                       std::to_string(column.length / 2));
+                }
+                padded.resize(column.length / 2, u' ');
+                const Bytes stored = encodeText(padded, false);
+                std::copy(stored.begin(), stored.end(),
+                          row.begin() + 2 + static_cast<std::ptrdiff_t>(column.fixedOffset));
+            } else if (column.type == ColumnType::Binary) {
                 const Bytes stored = variableBytes(column, value, storeLongValue);
                 std::copy(stored.begin(), stored.end(),
                           row.begin() + 2 + static_cast<std::ptrdiff_t>(column.fixedOffset));
