@@ -95,7 +95,7 @@ Bytes sortBytes(const IndexPageEntry& entry) {
 // Reads the pages of one index, each at most once, all of the same table.
 class IndexPageReader {
 public:
-    explicit IndexPageReader(const PageFile& file)
+    explicit IndexPageReader(const PageSource& file)
         : file_(file), seen_(file.pageCount(), false) {}
 
     IndexPage read(std::uint32_t number, std::uint32_t from) {
@@ -121,14 +121,14 @@ public:
     }
 
 private:
-    const PageFile& file_;
+    const PageSource& file_;
     std::vector<bool> seen_;  // pages read so far
     std::uint32_t owner_ = 0; // the table definition page of the first page read
 };
 
 }  // namespace
 
-std::vector<IndexEntry> readIndexEntries(const PageFile& file, const RealIndex& index) {
+std::vector<IndexEntry> readIndexEntries(const PageSource& file, const RealIndex& index) {
     IndexPageReader reader(file);
     IndexPage page = reader.read(index.firstPage, index.firstPage);
     while (!page.isLeaf()) {

@@ -58,6 +58,6 @@ struct IndexEntry {
 // page to the leftmost leaf, then along the leaves. Throws Error for pages
 // that are not index pages of the same table, pointers beyond the file,
 // loops among the pages, and entries out of order.
-std::vector<IndexEntry> readIndexEntries(const PageFile& file, const RealIndex& index);
+std::vector<IndexEntry> readIndexEntries(const PageSource& file, const RealIndex& index);
 
 }  // namespace jet
