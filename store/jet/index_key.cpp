@@ -227,12 +227,26 @@ std::string hexCode(unsigned value, int digits) {
     return text;
 }
 
-void appendText(Bytes& key, const Column& column, std::u16string_view text) {
+bool isTextual(const Column& column) {
+    return column.type == ColumnType::Text || column.type == ColumnType::Memo;
+}
+
+void checkSortOrder(const Column& column) {
     if (column.sortOrder != kGeneralSortOrder || column.sortVersion != kGeneralLegacyVersion) {
         throw Error("text column " + toUtf8(column.name) + " is sorted in sort order 0x" +
                     hexCode(column.sortOrder, 4) + " version " +
                     std::to_string(column.sortVersion) +
                     "; only the General sort order of Access 2000 (0x0409 version 0) is supported");
+    }
+}
+
+void appendText(Bytes& key, const Column& column, std::u16string_view text) {
+    checkSortOrder(column);
+    if (column.type == ColumnType::Memo && text.size() > kMaxTextKeyCharacters) {
+        throw Error("a memo of " + std::to_string(text.size()) + " characters in column " +
+                    toUtf8(column.name) + " is longer than the " +
+                    std::to_string(kMaxTextKeyCharacters) +
+                    " characters whose index key is known");
     }
     // Trailing spaces do not count in a key.
     while (!text.empty() && text.back() == u' ') text.remove_suffix(1);
@@ -361,6 +375,7 @@ void appendValue(Bytes& key, const Column& column, const Value& value) {
             appendBinary(key, value.asBytes());
             return;
         case ColumnType::Text:
+        case ColumnType::Memo:
             if (value.kind() != Value::Kind::Text) wrongKind(column);
             appendText(key, column, value.asText());
             return;
@@ -384,6 +399,28 @@ const Value& valueOf(const TableDefinition& table, const std::vector<Value>& val
 
 }  // namespace
 
+void checkKeyableColumn(const Column& column) {
+    switch (column.type) {
+        case ColumnType::Boolean:
+        case ColumnType::Byte:
+        case ColumnType::Integer:
+        case ColumnType::LongInteger:
+        case ColumnType::Currency:
+        case ColumnType::Single:
+        case ColumnType::Double:
+        case ColumnType::DateTime:
+        case ColumnType::Binary:
+            return;
+        case ColumnType::Text:
+        case ColumnType::Memo:
+            checkSortOrder(column);
+            return;
+        default:
+            throw Error("keys of the " + columnTypeName(column.type) + " column " +
+                        toUtf8(column.name) + " are not supported");
+    }
+}
+
 void appendColumnKey(Bytes& key, const Column& column, bool ascending, const Value& value) {
     if (value.isNull() && column.type != ColumnType::Boolean) {
         key.push_back(ascending ? kNullAscending : kNullDescending);
@@ -393,20 +430,20 @@ void appendColumnKey(Bytes& key, const Column& column, bool ascending, const Val
     const std::size_t start = key.size();
     appendValue(key, column, value);
     if (ascending) {
-        if (column.type == ColumnType::Text) key.push_back(kTextEnd);
+        if (isTextual(column)) key.push_back(kTextEnd);
         return;
     }
     // Descending: the value's bytes inverted. A text ends in kTextEnd both
     // before and after the inversion, so that a shorter text sorts last.
     // Binary segments keep their kMoreSegments bytes uninverted.
-    if (column.type == ColumnType::Text) key.push_back(kTextEnd);
+    if (isTextual(column)) key.push_back(kTextEnd);
     for (std::size_t i = start; i < key.size(); ++i) {
         const bool segmentMark = column.type == ColumnType::Binary &&
                                  (i - start) % (kSegmentSize + 1) == kSegmentSize &&
                                  i + 1 < key.size();
         if (!segmentMark) key[i] = static_cast<std::uint8_t>(~key[i]);
     }
-    if (column.type == ColumnType::Text) key.push_back(kTextEnd);
+    if (isTextual(column)) key.push_back(kTextEnd);
 }
 
 bool isRowIndexed(const TableDefinition& table, const RealIndex& index,

@@ -105,7 +105,7 @@ Column column(ColumnType type) {
     Column c;
     c.name = u"c";
     c.type = type;
-    if (type == ColumnType::Text) c.sortOrder = format::kSortGeneral;
+    if (type == ColumnType::Text || type == ColumnType::Memo) c.sortOrder = format::kSortGeneral;
     return c;
 }
 
@@ -251,7 +251,17 @@ TEST(IndexKey, RefusesWhatItCannotKeyExactly) {
     EXPECT_THROW(appendColumnKey(bytes, newerGeneral, true, Value::text(u"a")), Error);
     EXPECT_THROW(key(ColumnType::ReplicationId, Value::bytes(Bytes(16, 0))), Error);
     EXPECT_THROW(key(ColumnType::Decimal, Value::decimal(Decimal{})), Error);
-    EXPECT_THROW(key(ColumnType::Memo, Value::text(u"a")), Error);
+}
+
+TEST(IndexKey, MemoIsKeyedAsTextUpToTheLongestText) {
+    for (const auto& [name, expected] : kSurnames) {
+        EXPECT_EQ(key(ColumnType::Memo, Value::text(name)), expected) << toUtf8(name);
+        EXPECT_EQ(key(ColumnType::Memo, Value::text(name), false), textKey(name, false));
+    }
+    const std::u16string longest(255, u'a');
+    EXPECT_EQ(key(ColumnType::Memo, Value::text(longest)), textKey(longest));
+    EXPECT_THROW(key(ColumnType::Memo, Value::text(longest + u"a")), Error);
+    EXPECT_THROW(key(ColumnType::Memo, Value::text(longest + u" ")), Error);
 }
 
 // ---------------------------------------------------------------------------
