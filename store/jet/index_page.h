@@ -12,9 +12,9 @@ namespace jet {
 
 // One entry of an index page, its shared prefix put back.
 struct IndexPageEntry {
-    Bytes key;                   // the encoded key, without the pointers after it
-    RowId row;                   // the row the key was taken from
-    std::uint32_t childPage = 0; // intermediate pages: the page below, whose last key this is
+    Bytes key;                    // the encoded key, without the pointers after it
+    RowId row;                    // the row the key was taken from
+    std::uint32_t childPage = 0;  // intermediate pages: the page below, whose last key this is
 };
 
 // An index page (type 0x03 intermediate, 0x04 leaf). Each entry is a key

@@ -15,12 +15,17 @@ namespace x = format::index;
 // The most the entry area holds: the page after the mask.
 constexpr std::size_t kEntryAreaSize = format::kPageSize - x::kEntriesOffset;
 
-void putU16(Page& page, std::size_t at, std::uint16_t value) { std::memcpy(&page[at], &value, 2); }
-void putU32(Page& page, std::size_t at, std::uint32_t value) { std::memcpy(&page[at], &value, 4); }
+void putU16(Page& page, std::size_t at, std::uint16_t value) {
+    std::memcpy(&page[at], &value, 2);
+}
+void putU32(Page& page, std::size_t at, std::uint32_t value) {
+    std::memcpy(&page[at], &value, 4);
+}
 
 // Pointers after a key are big-endian, so that entries sort as plain bytes.
 std::uint8_t* putBigEndian(std::uint8_t* out, std::uint32_t value, int bytes) {
-    for (int i = bytes - 1; i >= 0; --i) *out++ = static_cast<std::uint8_t>(value >> (8 * i));
+    for (int i = bytes - 1; i >= 0; --i)
+        *out++ = static_cast<std::uint8_t>(value >> (8 * i));
     return out;
 }
 
@@ -31,19 +36,23 @@ std::size_t indexEntrySize(const IndexPageEntry& entry, bool leaf) {
 }
 
 std::size_t sharedKeyPrefix(const std::vector<IndexPageEntry>& entries) {
-    if (entries.size() < 2) return 0;
+    if (entries.size() < 2)
+        return 0;
     const Bytes& first = entries.front().key;
     const Bytes& last = entries.back().key;
     const std::size_t limit = std::min(first.size(), last.size());
     std::size_t length = 0;
-    while (length < limit && first[length] == last[length]) ++length;
+    while (length < limit && first[length] == last[length])
+        ++length;
     return length;
 }
 
 std::size_t indexEntriesSize(const IndexPageContents& contents, std::size_t prefixLength) {
     std::size_t total = 0;
-    for (const IndexPageEntry& entry : contents.entries) total += indexEntrySize(entry, contents.leaf);
-    if (!contents.entries.empty()) total -= prefixLength * (contents.entries.size() - 1);
+    for (const IndexPageEntry& entry : contents.entries)
+        total += indexEntrySize(entry, contents.leaf);
+    if (!contents.entries.empty())
+        total -= prefixLength * (contents.entries.size() - 1);
     return total;
 }
 
@@ -73,10 +82,12 @@ void buildIndexPage(Page& page, const IndexPageContents& contents, std::size_t p
     for (const IndexPageEntry& entry : contents.entries) {
         const std::size_t skip = first ? 0 : prefixLength;
         first = false;
-        out = std::copy(entry.key.begin() + static_cast<std::ptrdiff_t>(skip), entry.key.end(), out);
+        out =
+            std::copy(entry.key.begin() + static_cast<std::ptrdiff_t>(skip), entry.key.end(), out);
         out = putBigEndian(out, entry.row.page, 3);
         *out++ = static_cast<std::uint8_t>(entry.row.row);
-        if (!contents.leaf) out = putBigEndian(out, entry.childPage, 4);
+        if (!contents.leaf)
+            out = putBigEndian(out, entry.childPage, 4);
         const std::size_t end = static_cast<std::size_t>(out - area);
         page[x::kEntryMaskOffset + end / 8] |= static_cast<std::uint8_t>(1u << (end % 8));
     }

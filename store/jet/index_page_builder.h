@@ -15,7 +15,7 @@ struct IndexPageContents {
     std::uint32_t owner = 0;     // the table definition page
     std::uint32_t prevPage = 0;  // same level; 0 for none
     std::uint32_t nextPage = 0;
-    std::uint32_t tailPage = 0;  // intermediate: the last child, which has no entry
+    std::uint32_t tailPage = 0;           // intermediate: the last child, which has no entry
     std::vector<IndexPageEntry> entries;  // in key order
 };
 

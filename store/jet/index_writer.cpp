@@ -22,11 +22,15 @@ int compareEntry(const IndexPageEntry& entry, const Bytes& key, RowId row) {
     const std::size_t common = std::min(entry.key.size(), key.size());
     if (common > 0) {
         const int byBytes = std::memcmp(entry.key.data(), key.data(), common);
-        if (byBytes != 0) return byBytes;
+        if (byBytes != 0)
+            return byBytes;
     }
-    if (entry.key.size() != key.size()) return entry.key.size() < key.size() ? -1 : 1;
-    if (entry.row.page != row.page) return entry.row.page < row.page ? -1 : 1;
-    if (entry.row.row != row.row) return entry.row.row < row.row ? -1 : 1;
+    if (entry.key.size() != key.size())
+        return entry.key.size() < key.size() ? -1 : 1;
+    if (entry.row.page != row.page)
+        return entry.row.page < row.page ? -1 : 1;
+    if (entry.row.row != row.row)
+        return entry.row.row < row.row ? -1 : 1;
     return 0;
 }
 
@@ -59,7 +63,8 @@ IndexWriter::Node& IndexWriter::load(std::uint32_t number) {
     Page bytes;
     statement_.read(number, bytes);
     auto found = nodes_.find(number);
-    if (found != nodes_.end() && found->second.stored == bytes) return found->second;
+    if (found != nodes_.end() && found->second.stored == bytes)
+        return found->second;
 
     const IndexPage page(bytes, number);
     if (page.owner() != table_.page) {
@@ -106,11 +111,12 @@ std::uint32_t IndexWriter::descend(const Bytes& key, RowId row, std::vector<Step
     std::uint32_t number = index_.firstPage;
     for (;;) {
         if (path.size() > kMaxDepth) {
-            throw Error("the pages of " + where() + " are more than " +
-                        std::to_string(kMaxDepth) + " levels deep: they form a loop");
+            throw Error("the pages of " + where() + " are more than " + std::to_string(kMaxDepth) +
+                        " levels deep: they form a loop");
         }
         const Node& node = load(number);
-        if (node.leaf) return number;
+        if (node.leaf)
+            return number;
         std::size_t child = lowerBound(node.entries, key, row);
         std::uint32_t next = 0;
         if (child < node.entries.size()) {
@@ -130,22 +136,26 @@ std::uint32_t IndexWriter::descend(const Bytes& key, RowId row, std::vector<Step
 }
 
 const IndexPageEntry* IndexWriter::neighbourBefore(const Node& leaf, std::size_t position) {
-    if (position > 0) return &leaf.entries[position - 1];
+    if (position > 0)
+        return &leaf.entries[position - 1];
     std::uint32_t page = leaf.prevPage;
     for (int hop = 0; page != 0 && hop < kMaxEmptyLeaves; ++hop) {
         const Node& node = load(page);
-        if (!node.entries.empty()) return &node.entries.back();
+        if (!node.entries.empty())
+            return &node.entries.back();
         page = node.prevPage;
     }
     return nullptr;
 }
 
 const IndexPageEntry* IndexWriter::neighbourAfter(const Node& leaf, std::size_t position) {
-    if (position < leaf.entries.size()) return &leaf.entries[position];
+    if (position < leaf.entries.size())
+        return &leaf.entries[position];
     std::uint32_t page = leaf.nextPage;
     for (int hop = 0; page != 0 && hop < kMaxEmptyLeaves; ++hop) {
         const Node& node = load(page);
-        if (!node.entries.empty()) return &node.entries.front();
+        if (!node.entries.empty())
+            return &node.entries.front();
         page = node.nextPage;
     }
     return nullptr;
@@ -155,7 +165,8 @@ IndexPageEntry IndexWriter::lastEntryUnder(std::uint32_t page) {
     for (std::size_t depth = 0; depth <= kMaxDepth; ++depth) {
         const Node& node = load(page);
         if (node.leaf) {
-            if (node.entries.empty()) break;
+            if (node.entries.empty())
+                break;
             IndexPageEntry last = node.entries.back();
             last.childPage = 0;
             return last;
@@ -182,12 +193,15 @@ bool IndexWriter::holdsKey(const Bytes& key, RowId except) {
     for (int hop = 0; hop < kMaxEmptyLeaves + 2;) {
         if (position < node->entries.size()) {
             const IndexPageEntry& entry = node->entries[position];
-            if (entry.key != key) return false;
-            if (!(entry.row == except)) return true;
+            if (entry.key != key)
+                return false;
+            if (!(entry.row == except))
+                return true;
             ++position;
             continue;
         }
-        if (node->nextPage == 0) return false;
+        if (node->nextPage == 0)
+            return false;
         node = &load(node->nextPage);
         position = 0;
         ++hop;
@@ -217,17 +231,19 @@ void IndexWriter::insert(const Bytes& key, RowId row) {
     }
     const IndexPageEntry* before = neighbourBefore(leaf, position);
     const IndexPageEntry* after = neighbourAfter(leaf, position);
-    const bool newKey = (before == nullptr || before->key != key) &&
-                        (after == nullptr || after->key != key);
+    const bool newKey =
+        (before == nullptr || before->key != key) && (after == nullptr || after->key != key);
 
     Node& target = load(leafPage);
     target.entries.insert(target.entries.begin() + static_cast<std::ptrdiff_t>(position),
                           IndexPageEntry{key, row, 0});
     std::optional<IndexPageEntry> last;
     const bool atEnd = position + 1 == target.entries.size();
-    if (atEnd) last = target.entries.back();
+    if (atEnd)
+        last = target.entries.back();
     settle(path, leafPage, std::move(last), atEnd);
-    if (newKey) addDistinctKey();
+    if (newKey)
+        addDistinctKey();
 }
 
 void IndexWriter::remove(const Bytes& key, RowId row) {
@@ -241,14 +257,16 @@ void IndexWriter::remove(const Bytes& key, RowId row) {
     }
     leaf.entries.erase(leaf.entries.begin() + static_cast<std::ptrdiff_t>(position));
     std::optional<IndexPageEntry> last;
-    if (position == leaf.entries.size() && !leaf.entries.empty()) last = leaf.entries.back();
+    if (position == leaf.entries.size() && !leaf.entries.empty())
+        last = leaf.entries.back();
     settle(path, leafPage, std::move(last), false);
 }
 
 // An intermediate page with two children or more has its last one as tail;
 // one with a single child keeps it as an entry.
 void IndexWriter::keepTailRule(Node& node) {
-    if (node.leaf) return;
+    if (node.leaf)
+        return;
     if (node.tailPage == 0 && node.entries.size() >= 2) {
         node.tailPage = node.entries.back().childPage;
         node.entries.pop_back();
@@ -290,9 +308,11 @@ void IndexWriter::detach(std::vector<Step>& path, std::size_t level, std::uint32
         }
     } else {
         parent.tailPage = 0;
-        if (!parent.entries.empty()) last = parent.entries.back();
+        if (!parent.entries.empty())
+            last = parent.entries.back();
     }
-    if (last) last->childPage = 0;
+    if (last)
+        last->childPage = 0;
     keepTailRule(parent);
 }
 
@@ -408,16 +428,19 @@ void IndexWriter::settle(std::vector<Step>& path, std::uint32_t page,
                 parentDirty = true;
             }
         }
-        if (level == 0) return;
+        if (level == 0)
+            return;
         Step& step = path[level - 1];
         Node& parent = load(step.page);
         if (last && step.child < parent.entries.size()) {
             parent.entries[step.child].key = last->key;
             parent.entries[step.child].row = last->row;
             parentDirty = true;
-            if (step.child + 1 != parent.entries.size() || parent.tailPage != 0) last.reset();
+            if (step.child + 1 != parent.entries.size() || parent.tailPage != 0)
+                last.reset();
         }
-        if (!parentDirty && !last) return;
+        if (!parentDirty && !last)
+            return;
         --level;
         page = step.page;
         dirty = parentDirty;

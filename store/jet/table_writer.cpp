@@ -54,8 +54,10 @@ bool allKeyColumnsNull(const TableDefinition& table, const RealIndex& index,
                        const std::vector<Value>& values) {
     for (const IndexColumn& indexColumn : index.columns) {
         for (std::size_t i = 0; i < table.columns.size() && i < values.size(); ++i) {
-            if (table.columns[i].number != indexColumn.columnNumber) continue;
-            if (!values[i].isNull() || table.columns[i].type == ColumnType::Boolean) return false;
+            if (table.columns[i].number != indexColumn.columnNumber)
+                continue;
+            if (!values[i].isNull() || table.columns[i].type == ColumnType::Boolean)
+                return false;
         }
     }
     return true;
@@ -100,8 +102,10 @@ TableWriter::~TableWriter() = default;
 std::string TableWriter::indexName(std::size_t realIndex) const {
     std::string names;
     for (const LogicalIndex& index : table_.indexes) {
-        if (index.realIndex != realIndex) continue;
-        if (!names.empty()) names += ", ";
+        if (index.realIndex != realIndex)
+            continue;
+        if (!names.empty())
+            names += ", ";
         names += toUtf8(index.name);
     }
     return names.empty() ? "number " + std::to_string(realIndex) : names;
@@ -113,12 +117,14 @@ TableWriter::IndexKeys TableWriter::indexKeys(const std::vector<Value>& values) 
         const RealIndex& index = table_.realIndexes[i];
         bool primaryKey = false;
         for (const LogicalIndex& logical : table_.indexes) {
-            if (logical.realIndex == i && logical.isPrimaryKey()) primaryKey = true;
+            if (logical.realIndex == i && logical.isPrimaryKey())
+                primaryKey = true;
         }
         if (primaryKey || (index.flags & format::kIndexRequired) != 0) {
             for (const IndexColumn& indexColumn : index.columns) {
                 const Column* column = nullptr;
-                const Value* value = valueOfColumn(table_, values, indexColumn.columnNumber, &column);
+                const Value* value =
+                    valueOfColumn(table_, values, indexColumn.columnNumber, &column);
                 if (value != nullptr && value->isNull() && column->type != ColumnType::Boolean) {
                     throw Error("column " + toUtf8(column->name) + " of table " +
                                 toUtf8(table_.name) + " may not be Null: it is in the " +
@@ -126,7 +132,8 @@ TableWriter::IndexKeys TableWriter::indexKeys(const std::vector<Value>& values) 
                 }
             }
         }
-        if (!isRowIndexed(table_, index, values)) continue;
+        if (!isRowIndexed(table_, index, values))
+            continue;
         try {
             keys[i] = encodeIndexKey(table_, index, values);
         } catch (const Error& error) {
@@ -137,13 +144,16 @@ TableWriter::IndexKeys TableWriter::indexKeys(const std::vector<Value>& values) 
     return keys;
 }
 
-void TableWriter::checkUnique(const IndexKeys& keys, const std::vector<Value>& values,
-                              RowId except, const IndexKeys* old) {
+void TableWriter::checkUnique(const IndexKeys& keys, const std::vector<Value>& values, RowId except,
+                              const IndexKeys* old) {
     for (std::size_t i = 0; i < keys.size(); ++i) {
         const RealIndex& index = table_.realIndexes[i];
-        if (!index.isUnique() || !keys[i]) continue;
-        if (old != nullptr && (*old)[i] == keys[i]) continue;
-        if (allKeyColumnsNull(table_, index, values)) continue;
+        if (!index.isUnique() || !keys[i])
+            continue;
+        if (old != nullptr && (*old)[i] == keys[i])
+            continue;
+        if (allKeyColumnsNull(table_, index, values))
+            continue;
         // Two rows of one statement may share a key no more than with rows before it.
         if (indexes_[i]->holdsKey(*keys[i], except)) {
             throw Error("table " + toUtf8(table_.name) + " already has a row with the same " +
@@ -286,7 +296,8 @@ RowId TableWriter::insert(std::vector<Value> values) {
     const RowId placed = placeRow(row, 0);
     addToRowCount(1);
     for (std::size_t i = 0; i < keys.size(); ++i) {
-        if (keys[i]) indexes_[i]->insert(*keys[i], placed);
+        if (keys[i])
+            indexes_[i]->insert(*keys[i], placed);
     }
     return placed;
 }
@@ -324,9 +335,12 @@ void TableWriter::update(RowId row, const std::vector<Value>& values) {
         freeLongValues(bytes);
     }
     for (std::size_t i = 0; i < indexes_.size(); ++i) {
-        if (oldKeys[i] == newKeys[i]) continue;
-        if (oldKeys[i]) indexes_[i]->remove(*oldKeys[i], row);
-        if (newKeys[i]) indexes_[i]->insert(*newKeys[i], row);
+        if (oldKeys[i] == newKeys[i])
+            continue;
+        if (oldKeys[i])
+            indexes_[i]->remove(*oldKeys[i], row);
+        if (newKeys[i])
+            indexes_[i]->insert(*newKeys[i], row);
     }
     const Bytes encoded = encodeRow(table_, values,
                                     [&](const Column&, const Bytes& stored) { return storeLongValue(stored); });
@@ -356,7 +370,8 @@ void TableWriter::remove(RowId row) {
                         toUtf8(table_.name));
         }
         const RowSlot slot = home.slot(row.row);
-        if (slot.deleted) throw Error("the row was deleted meanwhile");
+        if (slot.deleted)
+            throw Error("the row was deleted meanwhile");
         Page dataPage = homePage;
         ByteView bytes = home.rowBytes(slot);
         if (slot.overflow) {
@@ -377,7 +392,8 @@ void TableWriter::remove(RowId row) {
     const RowSlot slot = home.slot(row.row);
     if (slot.deleted) throw Error("the row was deleted meanwhile");
     for (std::size_t i = 0; i < keys.size(); ++i) {
-        if (keys[i]) indexes_[i]->remove(*keys[i], row);
+        if (keys[i])
+            indexes_[i]->remove(*keys[i], row);
     }
     if (slot.overflow) {
         const std::uint32_t pointer = home.rowBytes(slot).u32(0);

@@ -59,8 +59,8 @@ private:
 
     WriteStatement& statement_;
     const TableDefinition& table_;
-    std::uint32_t lastPage_ = 0;       // the table's last data page, once known
-    std::uint32_t longValuePage_ = 0;  // the long value page this writer fills
+    std::uint32_t lastPage_ = 0;                         // the table's last data page, once known
+    std::uint32_t longValuePage_ = 0;                    // the long value page this writer fills
     std::vector<std::unique_ptr<IndexWriter>> indexes_;  // one per real index
 };
 

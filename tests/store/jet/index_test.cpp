@@ -60,8 +60,8 @@ TEST(IndexPage, ReadsEntriesAndPutsBackTheSharedPrefix) {
 TEST(IndexPage, IntermediateEntriesEndWithTheirChildPage) {
     Page page{};
     page[0] = format::kPageIndexIntermediate;
-    const std::uint8_t entry[] = {0x7f, 0x80, 0x00, 0x00, 0x09, 0x00, 0x00, 0x2a, 0x17,
-                                  0x00, 0x00, 0x01, 0x38};
+    const std::uint8_t entry[] = {0x7f, 0x80, 0x00, 0x00, 0x09, 0x00, 0x00,
+                                  0x2a, 0x17, 0x00, 0x00, 0x01, 0x38};
     std::memcpy(page.data() + x::kEntriesOffset, entry, sizeof entry);
     markEntryEnd(page, sizeof entry);
     page[x::kTailPageOffset] = 0x37;
@@ -105,7 +105,8 @@ Column column(ColumnType type) {
     Column c;
     c.name = u"c";
     c.type = type;
-    if (type == ColumnType::Text || type == ColumnType::Memo) c.sortOrder = format::kSortGeneral;
+    if (type == ColumnType::Text || type == ColumnType::Memo)
+        c.sortOrder = format::kSortGeneral;
     return c;
 }
 
@@ -300,9 +301,11 @@ TEST(IndexFixtures, EveryIndexHoldsEveryRowUnderItsOwnKey) {
         SCOPED_TRACE(path.string());
         const Database database(path.string());
         for (const CatalogEntry& entry : database.catalog()) {
-            if (!entry.isTable()) continue;
+            if (!entry.isTable())
+                continue;
             SCOPED_TRACE(toUtf8(entry.name));
-            const TableDefinition table = readTableDefinition(database.file(), entry.definitionPage());
+            const TableDefinition table =
+                readTableDefinition(database.file(), entry.definitionPage());
             std::vector<RowOfTable> rows;
             for (TableCursor cursor = database.scan(table); cursor.next();) {
                 rows.push_back(RowOfTable{cursor.rowId(), cursor.rowMoved(), {}});
@@ -332,7 +335,8 @@ TEST(IndexFixtures, EveryIndexHoldsEveryRowUnderItsOwnKey) {
                         << indexEntry.row.page << ", which the table does not have";
                     const RowOfTable& row = *found->second;
                     expected.erase(found);
-                    if (row.moved) ++movedRows;
+                    if (row.moved)
+                        ++movedRows;
                     try {
                         EXPECT_EQ(encodeIndexKey(table, index, row.values), indexEntry.key)
                             << "row " << row.id.row << " of page " << row.id.page;
@@ -341,7 +345,8 @@ TEST(IndexFixtures, EveryIndexHoldsEveryRowUnderItsOwnKey) {
                             for (std::size_t c = 0; c < table.columns.size(); ++c) {
                                 if (table.columns[c].number == indexColumn.columnNumber &&
                                     row.values[c].kind() == Value::Kind::Text) {
-                                    for (char16_t ch : row.values[c].asText()) textCharacters.insert(ch);
+                                    for (char16_t ch : row.values[c].asText())
+                                        textCharacters.insert(ch);
                                 }
                             }
                         }
@@ -365,7 +370,8 @@ TEST(IndexFixtures, EveryIndexHoldsEveryRowUnderItsOwnKey) {
 
     // The fixtures hold keys of every character of Latin-1 but NUL, and the
     // Turkish letters other than the capitals İ and Ğ.
-    for (char16_t c = 0x01; c <= 0xff; ++c) EXPECT_TRUE(textCharacters.count(c)) << int(c);
+    for (char16_t c = 0x01; c <= 0xff; ++c)
+        EXPECT_TRUE(textCharacters.count(c)) << int(c);
     for (const char16_t c : std::u16string_view(u"ğıŞş")) {
         EXPECT_TRUE(textCharacters.count(c)) << int(c);
     }
@@ -400,13 +406,15 @@ TEST(IndexFixtures, SurnameKeysAreThoseAccessWrote) {
 class DamagedIndex : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (testing::fixturesDir().empty()) GTEST_SKIP() << "../shared/fixtures is absent";
+        if (testing::fixturesDir().empty())
+            GTEST_SKIP() << "../shared/fixtures is absent";
         const Database database((testing::fixturesDir() / "kvl" / "kvl.mdb").string());
         table_ = database.table(u"ORNEK");
         for (const RealIndex& index : table_.realIndexes) {
             Page bytes;
             database.file().read(index.firstPage, bytes);
-            if (bytes[0] != format::kPageIndexIntermediate) continue;
+            if (bytes[0] != format::kPageIndexIntermediate)
+                continue;
             index_ = index;
             firstLeaf_ = IndexPage(bytes, index.firstPage).entries().front().childPage;
             database.file().read(firstLeaf_, bytes);

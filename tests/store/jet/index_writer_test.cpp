@@ -57,7 +57,8 @@ struct TreeWalk {
         const IndexPage page(bytes, number);
         if (page.isLeaf()) {
             leaves.push_back(number);
-            if (page.entries().empty()) return std::nullopt;
+            if (page.entries().empty())
+                return std::nullopt;
             return IndexEntry{page.entries().back().key, page.entries().back().row};
         }
         std::vector<std::uint32_t> children;
@@ -80,7 +81,8 @@ struct TreeWalk {
             Page child;
             file.read(children[i], child);
             const IndexPage childPage(child, children[i]);
-            if (childPage.isLeaf()) continue;
+            if (childPage.isLeaf())
+                continue;
             EXPECT_EQ(childPage.prevPage(), i == 0 ? 0 : children[i - 1]);
             EXPECT_EQ(childPage.nextPage(), i + 1 == children.size() ? 0 : children[i + 1]);
         }
@@ -110,7 +112,8 @@ std::size_t expectIndexesHoldRows(const PageSource& file, const TableDefinition&
             EXPECT_EQ(actual[k].key, expected[k].first) << "entry " << k;
             EXPECT_EQ(actual[k].row, (RowId{expected[k].second.first, expected[k].second.second}))
                 << "entry " << k;
-            if (::testing::Test::HasFailure()) break;
+            if (::testing::Test::HasFailure())
+                break;
         }
         TreeWalk walk{file, {}, {}};
         walk.walk(index.firstPage, 0);
@@ -120,7 +123,8 @@ std::size_t expectIndexesHoldRows(const PageSource& file, const TableDefinition&
             const IndexPage leaf(bytes, walk.leaves[k]);
             EXPECT_EQ(leaf.prevPage(), k == 0 ? 0 : walk.leaves[k - 1]);
             EXPECT_EQ(leaf.nextPage(), k + 1 == walk.leaves.size() ? 0 : walk.leaves[k + 1]);
-            if (walk.leaves.size() > 1) EXPECT_FALSE(leaf.entries().empty());
+            if (walk.leaves.size() > 1)
+                EXPECT_FALSE(leaf.entries().empty());
         }
         const std::vector<std::uint32_t> mapped = readUsageMap(file, index.usageMap);
         EXPECT_EQ(std::set<std::uint32_t>(mapped.begin(), mapped.end()), walk.pages);
@@ -144,14 +148,15 @@ std::multiset<std::string> lines(const std::string& text) {
 // rows elsewhere).
 void expectMdbExportReads(const fs::path& path, const PageSource& file,
                           const TableDefinition& table) {
-    if (!fs::exists(MDB_EXPORT_EXECUTABLE)) return;
+    if (!fs::exists(MDB_EXPORT_EXECUTABLE))
+        return;
     std::string ours;
     appendMdbExportHeader(ours, table);
-    for (const auto& [id, values] : readRows(file, table)) appendMdbExportRow(ours, table, values);
-    const std::string theirs =
-        testing::runCommand(testing::shellQuote(MDB_EXPORT_EXECUTABLE) + " " +
-                            testing::shellQuote(path.string()) + " " +
-                            testing::shellQuote(toUtf8(table.name)));
+    for (const auto& [id, values] : readRows(file, table))
+        appendMdbExportRow(ours, table, values);
+    const std::string theirs = testing::runCommand(testing::shellQuote(MDB_EXPORT_EXECUTABLE) +
+                                                   " " + testing::shellQuote(path.string()) + " " +
+                                                   testing::shellQuote(toUtf8(table.name)));
     EXPECT_EQ(lines(theirs), lines(ours)) << "mdb-export reads other rows";
 }
 
@@ -176,35 +181,47 @@ std::u16string randomName(std::mt19937& random, std::size_t longest) {
     std::uniform_int_distribution<std::size_t> letter(0, kTurkish.size() - 1);
     std::u16string name;
     const std::size_t n = length(random);
-    while (name.size() < n) name.push_back(kTurkish[letter(random)]);
-    if (n >= 3 && random() % 10 == 0) name[n - 2] = u' ';
+    while (name.size() < n)
+        name.push_back(kTurkish[letter(random)]);
+    if (n >= 3 && random() % 10 == 0)
+        name[n - 2] = u' ';
     return name;
 }
 
 // A value for a column, sometimes Null; few distinct values, so that keys repeat.
 Value randomValue(std::mt19937& random, const Column& column) {
-    if (column.isAutoNumber()) return Value();
-    if (random() % 16 == 0 && column.type != ColumnType::Boolean) return Value();
+    if (column.isAutoNumber())
+        return Value();
+    if (random() % 16 == 0 && column.type != ColumnType::Boolean)
+        return Value();
     switch (column.type) {
-        case ColumnType::Boolean: return Value::boolean(random() % 2 == 0);
-        case ColumnType::Byte: return Value::integer(static_cast<std::int32_t>(random() % 256));
-        case ColumnType::Integer: return Value::integer(static_cast<std::int32_t>(random() % 2000) - 1000);
+        case ColumnType::Boolean:
+            return Value::boolean(random() % 2 == 0);
+        case ColumnType::Byte:
+            return Value::integer(static_cast<std::int32_t>(random() % 256));
+        case ColumnType::Integer:
+            return Value::integer(static_cast<std::int32_t>(random() % 2000) - 1000);
         case ColumnType::LongInteger:
             return Value::integer(static_cast<std::int32_t>(random() % 200000) - 1000);
-        case ColumnType::Double: return Value::real(static_cast<double>(random() % 100000) / 8);
+        case ColumnType::Double:
+            return Value::real(static_cast<double>(random() % 100000) / 8);
         case ColumnType::DateTime:
-            return Value::date(Date{45931.0 + static_cast<double>(random() % 400) +
-                                    (random() % 3 == 0 ? static_cast<double>(random() % 86400) / 86400 : 0)});
+            return Value::date(
+                Date{45931.0 + static_cast<double>(random() % 400) +
+                     (random() % 3 == 0 ? static_cast<double>(random() % 86400) / 86400 : 0)});
         case ColumnType::Text:
             return Value::text(randomName(random, std::min<std::size_t>(column.length / 2, 60)));
-        case ColumnType::Memo: return Value::text(randomName(random, 40));
-        default: return Value();
+        case ColumnType::Memo:
+            return Value::text(randomName(random, 40));
+        default:
+            return Value();
     }
 }
 
 std::vector<Value> randomRow(std::mt19937& random, const TableDefinition& table) {
     std::vector<Value> values;
-    for (const Column& column : table.columns) values.push_back(randomValue(random, column));
+    for (const Column& column : table.columns)
+        values.push_back(randomValue(random, column));
     return values;
 }
 
@@ -218,15 +235,18 @@ std::size_t churn(const fs::path& path, const std::u16string& tableName, int ins
         database.write([&](WriteStatement& statement) {
             const TableDefinition table = database.table(tableName);
             TableWriter writer(statement, table);
-            for (int i = 0; i < perStatement; ++i) writer.insert(randomRow(random, table));
+            for (int i = 0; i < perStatement; ++i)
+                writer.insert(randomRow(random, table));
             // Updates and deletes among all rows, old ones included.
             std::vector<RowId> ids;
-            for (TableCursor cursor(statement, table); cursor.next();) ids.push_back(cursor.rowId());
+            for (TableCursor cursor(statement, table); cursor.next();)
+                ids.push_back(cursor.rowId());
             for (int i = 0; i < perStatement / 4 && !ids.empty(); ++i) {
                 const RowId id = ids[random() % ids.size()];
                 std::vector<Value> values = randomRow(random, table);
                 for (std::size_t c = 0; c < table.columns.size(); ++c) {
-                    if (table.columns[c].isAutoNumber()) values[c] = Value::integer(0x40000000 + i + done);
+                    if (table.columns[c].isAutoNumber())
+                        values[c] = Value::integer(0x40000000 + i + done);
                 }
                 writer.update(id, values);
             }
@@ -237,7 +257,8 @@ std::size_t churn(const fs::path& path, const std::u16string& tableName, int ins
         });
         const TableDefinition table = database.table(tableName);
         expectIndexesHoldRows(database.file(), table);
-        if (::testing::Test::HasFailure()) return 0;
+        if (::testing::Test::HasFailure())
+            return 0;
     }
     const TableDefinition table = database.table(tableName);
     expectMdbExportReads(path, database.file(), table);
@@ -251,8 +272,10 @@ TEST(IndexWriterFixtures, AccessAndKvlTreesHaveTheShapeThisWriterKeeps) {
         SCOPED_TRACE(path.string());
         const Database database(path.string());
         for (const CatalogEntry& entry : database.catalog()) {
-            if (!entry.isTable()) continue;
-            const TableDefinition table = readTableDefinition(database.file(), entry.definitionPage());
+            if (!entry.isTable())
+                continue;
+            const TableDefinition table =
+                readTableDefinition(database.file(), entry.definitionPage());
             bool keyable = true;
             for (const RealIndex& index : table.realIndexes) {
                 for (const IndexColumn& column : index.columns) {
@@ -281,7 +304,8 @@ TEST(IndexPageBuilder, RebuildsEveryFixtureIndexPageByteForByte) {
         for (std::uint32_t number = 1; number < database.file().pageCount(); ++number) {
             Page stored;
             database.file().read(number, stored);
-            if (stored[0] != format::kPageIndexLeaf && stored[0] != format::kPageIndexIntermediate) {
+            if (stored[0] != format::kPageIndexLeaf &&
+                stored[0] != format::kPageIndexIntermediate) {
                 continue;
             }
             const IndexPage page(stored, number);
@@ -292,14 +316,16 @@ TEST(IndexPageBuilder, RebuildsEveryFixtureIndexPageByteForByte) {
             contents.nextPage = page.nextPage();
             contents.tailPage = page.tailPage();
             contents.entries = page.entries();
-            EXPECT_GE(sharedKeyPrefix(contents.entries), page.prefixLength() > 0 ? page.prefixLength() : 0u);
+            EXPECT_GE(sharedKeyPrefix(contents.entries),
+                      page.prefixLength() > 0 ? page.prefixLength() : 0u);
             Page built;
             buildIndexPage(built, contents, page.prefixLength());
             const std::size_t end = format::kPageSize - page.freeSpace();
             // Access leaves old bytes after the entries; byte 0x1a is one it
             // sometimes sets on intermediate pages and no reader uses.
             for (std::size_t at = 0; at < end; ++at) {
-                if (at == 0x1a) continue;
+                if (at == 0x1a)
+                    continue;
                 ASSERT_EQ(built[at], stored[at]) << "page " << number << " offset " << at;
             }
             EXPECT_TRUE(std::all_of(built.begin() + static_cast<std::ptrdiff_t>(end), built.end(),
@@ -369,9 +395,11 @@ TEST(IndexWriter, DescendingTextIndexesEmptiedAndRefilled) {
         database.write([&](WriteStatement& statement) {
             const TableDefinition table = database.table(u"ORNEK");
             std::vector<RowId> ids;
-            for (TableCursor cursor(statement, table); cursor.next();) ids.push_back(cursor.rowId());
+            for (TableCursor cursor(statement, table); cursor.next();)
+                ids.push_back(cursor.rowId());
             TableWriter writer(statement, table);
-            for (const RowId id : ids) writer.remove(id);
+            for (const RowId id : ids)
+                writer.remove(id);
         });
         const TableDefinition table = database.table(u"ORNEK");
         expectIndexesHoldRows(database.file(), table);
@@ -383,7 +411,8 @@ TEST(IndexWriter, DescendingTextIndexesEmptiedAndRefilled) {
         }
         makeIndexesDescending(database, u"ORNEK");
         const TableDefinition flipped = database.table(u"ORNEK");
-        for (const RealIndex& index : flipped.realIndexes) EXPECT_FALSE(index.columns[0].ascending);
+        for (const RealIndex& index : flipped.realIndexes)
+            EXPECT_FALSE(index.columns[0].ascending);
     }
     EXPECT_GT(churn(copy.path(), u"ORNEK", 3000, 1000, 5), 20u);
 }
@@ -397,7 +426,8 @@ TEST(IndexWriter, DuplicateKeysAreRefusedAndTheFileStaysByteIdentical) {
     const Rows rows = readRows(database.file(), pansiyon);
     ASSERT_GE(rows.size(), 2u);
     const std::vector<Value> first = rows.begin()->second;
-    const RowId secondId{std::next(rows.begin())->first.first, std::next(rows.begin())->first.second};
+    const RowId secondId{std::next(rows.begin())->first.first,
+                         std::next(rows.begin())->first.second};
 
     // A new row with the key of an existing one.
     try {
@@ -405,26 +435,30 @@ TEST(IndexWriter, DuplicateKeysAreRefusedAndTheFileStaysByteIdentical) {
         ADD_FAILURE() << "a duplicate primary key was accepted";
     } catch (const Error& error) {
         EXPECT_NE(std::string(error.what()).find("Pansiyon"), std::string::npos) << error.what();
-        EXPECT_NE(std::string(error.what()).find("unique index"), std::string::npos) << error.what();
+        EXPECT_NE(std::string(error.what()).find("unique index"), std::string::npos)
+            << error.what();
     }
     // Two new rows of one statement with the same new key.
     std::vector<Value> fresh = first;
     for (std::size_t c = 0; c < pansiyon.columns.size(); ++c) {
-        if (pansiyon.columns[c].name == u"PANSIYONNO") fresh[c] = Value::integer(987654);
+        if (pansiyon.columns[c].name == u"PANSIYONNO")
+            fresh[c] = Value::integer(987654);
     }
     EXPECT_THROW(database.insertRows(u"Pansiyon", {fresh, fresh}), Error);
     // An update to the key of another row, and a Null primary key.
     EXPECT_THROW(database.updateRow(u"Pansiyon", secondId, first), Error);
     std::vector<Value> nullKey = first;
     for (std::size_t c = 0; c < pansiyon.columns.size(); ++c) {
-        if (pansiyon.columns[c].name == u"PANSIYONNO") nullKey[c] = Value();
+        if (pansiyon.columns[c].name == u"PANSIYONNO")
+            nullKey[c] = Value();
     }
     EXPECT_THROW(database.insertRows(u"Pansiyon", {nullKey}), Error);
     // A name that cannot be keyed in ORNEK's Soyadi index.
     const TableDefinition ornek = database.table(u"ORNEK");
     std::vector<Value> greek = readRows(database.file(), ornek).begin()->second;
     for (std::size_t c = 0; c < ornek.columns.size(); ++c) {
-        if (ornek.columns[c].name == u"Soyadi") greek[c] = Value::text(u"Παπαδόπουλος");
+        if (ornek.columns[c].name == u"Soyadi")
+            greek[c] = Value::text(u"Παπαδόπουλος");
     }
     EXPECT_THROW(database.insertRows(u"ORNEK", {greek}), Error);
     EXPECT_TRUE(copy.bytes() == before) << "a refused write changed the file";
@@ -433,6 +467,34 @@ TEST(IndexWriter, DuplicateKeysAreRefusedAndTheFileStaysByteIdentical) {
     database.updateRow(u"Pansiyon", RowId{rows.begin()->first.first, rows.begin()->first.second},
                        first);
     expectIndexesHoldRows(database.file(), database.table(u"Pansiyon"));
+}
+
+TEST(IndexWriter, DistinctKeyCountRisesForNewKeysOnly) {
+    SKIP_WITHOUT_FIXTURES();
+    const FixtureCopy copy(testing::fixturesDir() / "kvl" / "kvl.mdb");
+    Database database(copy.path().string(), PageFile::Mode::ReadWrite);
+    const TableDefinition before = database.table(u"YEMEK");
+    std::vector<Value> row = readRows(database.file(), before).begin()->second;
+    std::size_t dateColumn = 0;
+    for (std::size_t c = 0; c < before.columns.size(); ++c) {
+        if (before.columns[c].isAutoNumber())
+            row[c] = Value();
+        if (before.columns[c].name == u"YEMEKTARIH")
+            dateColumn = c;
+    }
+    std::vector<Value> newDate = row;
+    newDate[dateColumn] = Value::date(Date{50000.5});
+    // An existing date, a new one twice: one new key for the date index, three for the key.
+    database.insertRows(u"YEMEK", {row, newDate, newDate});
+    const TableDefinition after = database.table(u"YEMEK");
+    ASSERT_EQ(after.realIndexes.size(), 2u);
+    EXPECT_EQ(after.realIndexes[0].rowCount, before.realIndexes[0].rowCount + 3);
+    EXPECT_EQ(after.realIndexes[1].rowCount, before.realIndexes[1].rowCount + 1);
+    // Access never lowers the count.
+    const Rows rows = readRows(database.file(), after);
+    database.deleteRows(u"YEMEK", {RowId{rows.rbegin()->first.first, rows.rbegin()->first.second}});
+    EXPECT_EQ(database.table(u"YEMEK").realIndexes[1].rowCount, after.realIndexes[1].rowCount);
+    expectIndexesHoldRows(database.file(), database.table(u"YEMEK"));
 }
 
 }  // namespace
