@@ -85,23 +85,22 @@ struct Symbol {
 
 // Punctuation and symbols of ASCII and Latin-1, and the white space.
 constexpr Symbol kSymbols[] = {
-    {u'\t', 0x08, 0x03}, {u'\n', 0x08, 0x04}, {u'\v', 0x08, 0x05}, {u'\f', 0x08, 0x06},
-    {u'\r', 0x08, 0x07}, {u'\u00a0', 0x08, 0x02},
-    {u' ', 0x07, 0}, {u'!', 0x09, 0}, {u'"', 0x0a, 0}, {u'#', 0x0c, 0}, {u'$', 0x0e, 0},
-    {u'%', 0x10, 0}, {u'&', 0x12, 0}, {u'(', 0x14, 0}, {u')', 0x16, 0}, {u'*', 0x18, 0},
-    {u',', 0x1a, 0}, {u'.', 0x1c, 0}, {u'/', 0x1e, 0}, {u':', 0x20, 0}, {u';', 0x22, 0},
-    {u'?', 0x24, 0}, {u'@', 0x26, 0}, {u'[', 0x27, 0}, {u'\\', 0x29, 0}, {u']', 0x2a, 0},
-    {u'+', 0x2c, 0}, {u'<', 0x2e, 0}, {u'=', 0x30, 0}, {u'>', 0x32, 0},
-    {u'^', 0x2b, 0x02}, {u'_', 0x2b, 0x03}, {u'`', 0x2b, 0x07}, {u'{', 0x2b, 0x09},
-    {u'|', 0x2b, 0x0b}, {u'}', 0x2b, 0x0d}, {u'~', 0x2b, 0x0f},
-    {u'¡', 0x2b, 0x10}, {u'¦', 0x2b, 0x11}, {u'¨', 0x2b, 0x12}, {u'¯', 0x2b, 0x13},
-    {u'´', 0x2b, 0x14}, {u'¸', 0x2b, 0x15}, {u'¿', 0x2b, 0x16},
-    {u'±', 0x33, 0x04}, {u'«', 0x33, 0x05}, {u'»', 0x33, 0x07}, {u'×', 0x33, 0x09},
-    {u'÷', 0x33, 0x0a},
-    {u'¢', 0x34, 0xa6}, {u'£', 0x34, 0xa7}, {u'¤', 0x34, 0xa8}, {u'¥', 0x34, 0xa9},
-    {u'§', 0x34, 0xaa}, {u'©', 0x34, 0xab}, {u'¬', 0x34, 0xac}, {u'®', 0x34, 0xad},
-    {u'°', 0x34, 0xae}, {u'µ', 0x34, 0xaf}, {u'¶', 0x34, 0xb0}, {u'·', 0x34, 0xb1},
-    {u'¼', 0x37, 0x12}, {u'½', 0x37, 0x16}, {u'¾', 0x37, 0x1a},
+    {u'\t', 0x08, 0x03}, {u'\n', 0x08, 0x04},     {u'\v', 0x08, 0x05}, {u'\f', 0x08, 0x06},
+    {u'\r', 0x08, 0x07}, {u'\u00a0', 0x08, 0x02}, {u' ', 0x07, 0},     {u'!', 0x09, 0},
+    {u'"', 0x0a, 0},     {u'#', 0x0c, 0},         {u'$', 0x0e, 0},     {u'%', 0x10, 0},
+    {u'&', 0x12, 0},     {u'(', 0x14, 0},         {u')', 0x16, 0},     {u'*', 0x18, 0},
+    {u',', 0x1a, 0},     {u'.', 0x1c, 0},         {u'/', 0x1e, 0},     {u':', 0x20, 0},
+    {u';', 0x22, 0},     {u'?', 0x24, 0},         {u'@', 0x26, 0},     {u'[', 0x27, 0},
+    {u'\\', 0x29, 0},    {u']', 0x2a, 0},         {u'+', 0x2c, 0},     {u'<', 0x2e, 0},
+    {u'=', 0x30, 0},     {u'>', 0x32, 0},         {u'^', 0x2b, 0x02},  {u'_', 0x2b, 0x03},
+    {u'`', 0x2b, 0x07},  {u'{', 0x2b, 0x09},      {u'|', 0x2b, 0x0b},  {u'}', 0x2b, 0x0d},
+    {u'~', 0x2b, 0x0f},  {u'¡', 0x2b, 0x10},      {u'¦', 0x2b, 0x11},  {u'¨', 0x2b, 0x12},
+    {u'¯', 0x2b, 0x13},  {u'´', 0x2b, 0x14},      {u'¸', 0x2b, 0x15},  {u'¿', 0x2b, 0x16},
+    {u'±', 0x33, 0x04},  {u'«', 0x33, 0x05},      {u'»', 0x33, 0x07},  {u'×', 0x33, 0x09},
+    {u'÷', 0x33, 0x0a},  {u'¢', 0x34, 0xa6},      {u'£', 0x34, 0xa7},  {u'¤', 0x34, 0xa8},
+    {u'¥', 0x34, 0xa9},  {u'§', 0x34, 0xaa},      {u'©', 0x34, 0xab},  {u'¬', 0x34, 0xac},
+    {u'®', 0x34, 0xad},  {u'°', 0x34, 0xae},      {u'µ', 0x34, 0xaf},  {u'¶', 0x34, 0xb0},
+    {u'·', 0x34, 0xb1},  {u'¼', 0x37, 0x12},      {u'½', 0x37, 0x16},  {u'¾', 0x37, 0x1a},
 };
 
 struct AccentedLetter {
@@ -112,22 +111,18 @@ struct AccentedLetter {
 };
 
 constexpr AccentedLetter kAccentedLetters[] = {
-    {u'À', u'à', 'A', kGrave}, {u'Á', u'á', 'A', kAcute}, {u'Â', u'â', 'A', kCircumflex},
-    {u'Ã', u'ã', 'A', kTilde}, {u'Ä', u'ä', 'A', kDiaeresis}, {u'Å', u'å', 'A', kRing},
-    {u'Ç', u'ç', 'C', kCedilla}, {u'Ð', u'ð', 'D', kEth},
-    {u'È', u'è', 'E', kGrave}, {u'É', u'é', 'E', kAcute}, {u'Ê', u'ê', 'E', kCircumflex},
-    {u'Ë', u'ë', 'E', kDiaeresis},
-    {u'Ğ', u'ğ', 'G', kBreve},
-    {u'Ì', u'ì', 'I', kGrave}, {u'Í', u'í', 'I', kAcute}, {u'Î', u'î', 'I', kCircumflex},
-    {u'Ï', u'ï', 'I', kDiaeresis}, {u'İ', 0, 'I', kDotAbove}, {u'ı', 0, 'I', kOrdinal},
-    {u'Ñ', u'ñ', 'N', kTilde},
-    {u'Ò', u'ò', 'O', kGrave}, {u'Ó', u'ó', 'O', kAcute}, {u'Ô', u'ô', 'O', kCircumflex},
-    {u'Õ', u'õ', 'O', kTilde}, {u'Ö', u'ö', 'O', kDiaeresis}, {u'Ø', u'ø', 'O', kStroke},
-    {u'Ş', u'ş', 'S', kCedilla},
-    {u'Ù', u'ù', 'U', kGrave}, {u'Ú', u'ú', 'U', kAcute}, {u'Û', u'û', 'U', kCircumflex},
-    {u'Ü', u'ü', 'U', kDiaeresis},
-    {u'Ý', u'ý', 'Y', kAcute}, {u'ÿ', 0, 'Y', kDiaeresis},
-    {u'ª', 0, 'A', kOrdinal}, {u'º', 0, 'O', kOrdinal},
+    {u'À', u'à', 'A', kGrave},      {u'Á', u'á', 'A', kAcute},      {u'Â', u'â', 'A', kCircumflex},
+    {u'Ã', u'ã', 'A', kTilde},      {u'Ä', u'ä', 'A', kDiaeresis},  {u'Å', u'å', 'A', kRing},
+    {u'Ç', u'ç', 'C', kCedilla},    {u'Ð', u'ð', 'D', kEth},        {u'È', u'è', 'E', kGrave},
+    {u'É', u'é', 'E', kAcute},      {u'Ê', u'ê', 'E', kCircumflex}, {u'Ë', u'ë', 'E', kDiaeresis},
+    {u'Ğ', u'ğ', 'G', kBreve},      {u'Ì', u'ì', 'I', kGrave},      {u'Í', u'í', 'I', kAcute},
+    {u'Î', u'î', 'I', kCircumflex}, {u'Ï', u'ï', 'I', kDiaeresis},  {u'İ', 0, 'I', kDotAbove},
+    {u'ı', 0, 'I', kOrdinal},       {u'Ñ', u'ñ', 'N', kTilde},      {u'Ò', u'ò', 'O', kGrave},
+    {u'Ó', u'ó', 'O', kAcute},      {u'Ô', u'ô', 'O', kCircumflex}, {u'Õ', u'õ', 'O', kTilde},
+    {u'Ö', u'ö', 'O', kDiaeresis},  {u'Ø', u'ø', 'O', kStroke},     {u'Ş', u'ş', 'S', kCedilla},
+    {u'Ù', u'ù', 'U', kGrave},      {u'Ú', u'ú', 'U', kAcute},      {u'Û', u'û', 'U', kCircumflex},
+    {u'Ü', u'ü', 'U', kDiaeresis},  {u'Ý', u'ý', 'Y', kAcute},      {u'ÿ', 0, 'Y', kDiaeresis},
+    {u'ª', 0, 'A', kOrdinal},       {u'º', 0, 'O', kOrdinal},
 };
 
 // Letters keyed as two letters.
@@ -189,16 +184,20 @@ struct CharacterTable {
                           kLetterWeights[ligature.second - 'A']};
             key.weightLength = 2;
             latin[ligature.upper] = key;
-            if (ligature.lower != 0) latin[ligature.lower] = key;
+            if (ligature.lower != 0)
+                latin[ligature.lower] = key;
         }
         for (const AccentedLetter& letter : kAccentedLetters) {
             const CharacterKey key = letterKey(letter.base, letter.accent);
-            if (letter.upper < latin.size()) latin[letter.upper] = key;
-            if (letter.lower != 0 && letter.lower < latin.size()) latin[letter.lower] = key;
+            if (letter.upper < latin.size())
+                latin[letter.upper] = key;
+            if (letter.lower != 0 && letter.lower < latin.size())
+                latin[letter.lower] = key;
         }
         std::uint8_t code = kFirstControlCode;
         for (char16_t c = 0; c < latin.size(); ++c) {
-            if (!isHiddenControl(c)) continue;
+            if (!isHiddenControl(c))
+                continue;
             CharacterKey key;
             key.hiddenCode = code++;
             latin[c] = key;
@@ -213,9 +212,11 @@ struct CharacterTable {
 
 std::optional<CharacterKey> characterKey(char16_t c) {
     static const CharacterTable table;
-    if (c < table.latin.size()) return table.latin[c];
+    if (c < table.latin.size())
+        return table.latin[c];
     for (const AccentedLetter& letter : kAccentedLetters) {
-        if (c == letter.upper || c == letter.lower) return letterKey(letter.base, letter.accent);
+        if (c == letter.upper || c == letter.lower)
+            return letterKey(letter.base, letter.accent);
     }
     return std::nullopt;
 }
@@ -223,19 +224,34 @@ std::optional<CharacterKey> characterKey(char16_t c) {
 std::string hexCode(unsigned value, int digits) {
     static const char* const kHex = "0123456789ABCDEF";
     std::string text(digits, '0');
-    for (int i = digits - 1; i >= 0; --i, value >>= 4) text[i] = kHex[value & 0xf];
+    for (int i = digits - 1; i >= 0; --i, value >>= 4)
+        text[i] = kHex[value & 0xf];
     return text;
 }
 
-void appendText(Bytes& key, const Column& column, std::u16string_view text) {
+bool isTextual(const Column& column) {
+    return column.type == ColumnType::Text || column.type == ColumnType::Memo;
+}
+
+void checkSortOrder(const Column& column) {
     if (column.sortOrder != kGeneralSortOrder || column.sortVersion != kGeneralLegacyVersion) {
         throw Error("text column " + toUtf8(column.name) + " is sorted in sort order 0x" +
                     hexCode(column.sortOrder, 4) + " version " +
                     std::to_string(column.sortVersion) +
                     "; only the General sort order of Access 2000 (0x0409 version 0) is supported");
     }
+}
+
+void appendText(Bytes& key, const Column& column, std::u16string_view text) {
+    checkSortOrder(column);
+    if (column.type == ColumnType::Memo && text.size() > kMaxTextKeyCharacters) {
+        throw Error("a memo of " + std::to_string(text.size()) + " characters in column " +
+                    toUtf8(column.name) + " is longer than the " +
+                    std::to_string(kMaxTextKeyCharacters) + " characters whose index key is known");
+    }
     // Trailing spaces do not count in a key.
-    while (!text.empty() && text.back() == u' ') text.remove_suffix(1);
+    while (!text.empty() && text.back() == u' ')
+        text.remove_suffix(1);
     if (text.size() > kMaxTextKeyCharacters) {
         throw Error("a text of " + std::to_string(text.size()) + " characters in column " +
                     toUtf8(column.name) + " is too long for an index key");
@@ -262,7 +278,8 @@ void appendText(Bytes& key, const Column& column, std::u16string_view text) {
         accents.push_back(found->accent);
     }
     key.push_back(kWeightsEnd);
-    while (!accents.empty() && accents.back() <= kNoAccent) accents.pop_back();
+    while (!accents.empty() && accents.back() <= kNoAccent)
+        accents.pop_back();
     key.insert(key.end(), accents.begin(), accents.end());
     if (!hidden.empty()) {
         key.insert(key.end(), {kWeightsEnd, kWeightsEnd, kWeightsEnd});
@@ -274,7 +291,8 @@ void appendText(Bytes& key, const Column& column, std::u16string_view text) {
 // negative numbers sort first.
 void appendSigned(Bytes& key, std::uint64_t bits, int size) {
     bits ^= std::uint64_t{1} << (8 * size - 1);
-    for (int i = size - 1; i >= 0; --i) key.push_back(static_cast<std::uint8_t>(bits >> (8 * i)));
+    for (int i = size - 1; i >= 0; --i)
+        key.push_back(static_cast<std::uint8_t>(bits >> (8 * i)));
 }
 
 // IEEE numbers: a positive number gets its sign bit flipped, a negative one
@@ -283,7 +301,8 @@ void appendFloating(Bytes& key, std::uint64_t bits, int size) {
     const std::uint64_t sign = std::uint64_t{1} << (8 * size - 1);
     const std::uint64_t mask = size == 8 ? ~std::uint64_t{0} : (sign << 1) - 1;
     bits = (bits & sign) != 0 ? ~bits & mask : bits ^ sign;
-    for (int i = size - 1; i >= 0; --i) key.push_back(static_cast<std::uint8_t>(bits >> (8 * i)));
+    for (int i = size - 1; i >= 0; --i)
+        key.push_back(static_cast<std::uint8_t>(bits >> (8 * i)));
 }
 
 void appendBinary(Bytes& key, const Bytes& data) {
@@ -293,7 +312,8 @@ void appendBinary(Bytes& key, const Bytes& data) {
         key.push_back(kMoreSegments);
         at += kSegmentSize;
     }
-    if (at == data.size()) return;
+    if (at == data.size())
+        return;
     const std::size_t length = data.size() - at;
     key.insert(key.end(), data.begin() + at, data.end());
     key.insert(key.end(), kSegmentSize - length, 0);
@@ -301,13 +321,14 @@ void appendBinary(Bytes& key, const Bytes& data) {
 }
 
 [[noreturn]] void wrongKind(const Column& column) {
-    throw Error("a value of the wrong kind for the " + columnTypeName(column.type) +
-                " column " + toUtf8(column.name));
+    throw Error("a value of the wrong kind for the " + columnTypeName(column.type) + " column " +
+                toUtf8(column.name));
 }
 
 std::int64_t integerIn(const Column& column, const Value& value, std::int64_t low,
                        std::int64_t high) {
-    if (value.kind() != Value::Kind::Integer) wrongKind(column);
+    if (value.kind() != Value::Kind::Integer)
+        wrongKind(column);
     const std::int64_t number = value.asInteger();
     if (number < low || number > high) {
         throw Error("the value " + std::to_string(number) + " does not fit the " +
@@ -321,25 +342,29 @@ void appendValue(Bytes& key, const Column& column, const Value& value) {
     switch (column.type) {
         case ColumnType::Boolean:
             // Jet keeps no Null in a Yes/No column: its null bit is its value.
-            if (!value.isNull() && value.kind() != Value::Kind::Boolean) wrongKind(column);
+            if (!value.isNull() && value.kind() != Value::Kind::Boolean)
+                wrongKind(column);
             key.push_back(!value.isNull() && value.asBoolean() ? kTrue : kFalse);
             return;
         case ColumnType::Byte:
             key.push_back(static_cast<std::uint8_t>(integerIn(column, value, 0, 0xff)));
             return;
         case ColumnType::Integer:
-            appendSigned(key, static_cast<std::uint64_t>(integerIn(column, value, -32768, 32767)), 2);
+            appendSigned(key, static_cast<std::uint64_t>(integerIn(column, value, -32768, 32767)),
+                         2);
             return;
         case ColumnType::LongInteger:
-            appendSigned(key, static_cast<std::uint64_t>(integerIn(column, value, INT32_MIN, INT32_MAX)),
-                         4);
+            appendSigned(
+                key, static_cast<std::uint64_t>(integerIn(column, value, INT32_MIN, INT32_MAX)), 4);
             return;
         case ColumnType::Currency:
-            if (value.kind() != Value::Kind::Currency) wrongKind(column);
+            if (value.kind() != Value::Kind::Currency)
+                wrongKind(column);
             appendSigned(key, static_cast<std::uint64_t>(value.asCurrency().tenThousandths), 8);
             return;
         case ColumnType::Single: {
-            if (value.kind() != Value::Kind::Double) wrongKind(column);
+            if (value.kind() != Value::Kind::Double)
+                wrongKind(column);
             const float single = static_cast<float>(value.asDouble());
             if (static_cast<double>(single) != value.asDouble()) {
                 throw Error("the value of the Single column " + toUtf8(column.name) +
@@ -349,19 +374,24 @@ void appendValue(Bytes& key, const Column& column, const Value& value) {
             return;
         }
         case ColumnType::Double:
-            if (value.kind() != Value::Kind::Double) wrongKind(column);
+            if (value.kind() != Value::Kind::Double)
+                wrongKind(column);
             appendFloating(key, std::bit_cast<std::uint64_t>(value.asDouble()), 8);
             return;
         case ColumnType::DateTime:
-            if (value.kind() != Value::Kind::Date) wrongKind(column);
+            if (value.kind() != Value::Kind::Date)
+                wrongKind(column);
             appendFloating(key, std::bit_cast<std::uint64_t>(value.asDate().oleDays), 8);
             return;
         case ColumnType::Binary:
-            if (value.kind() != Value::Kind::Bytes) wrongKind(column);
+            if (value.kind() != Value::Kind::Bytes)
+                wrongKind(column);
             appendBinary(key, value.asBytes());
             return;
         case ColumnType::Text:
-            if (value.kind() != Value::Kind::Text) wrongKind(column);
+        case ColumnType::Memo:
+            if (value.kind() != Value::Kind::Text)
+                wrongKind(column);
             appendText(key, column, value.asText());
             return;
         default:
@@ -384,6 +414,28 @@ const Value& valueOf(const TableDefinition& table, const std::vector<Value>& val
 
 }  // namespace
 
+void checkKeyableColumn(const Column& column) {
+    switch (column.type) {
+        case ColumnType::Boolean:
+        case ColumnType::Byte:
+        case ColumnType::Integer:
+        case ColumnType::LongInteger:
+        case ColumnType::Currency:
+        case ColumnType::Single:
+        case ColumnType::Double:
+        case ColumnType::DateTime:
+        case ColumnType::Binary:
+            return;
+        case ColumnType::Text:
+        case ColumnType::Memo:
+            checkSortOrder(column);
+            return;
+        default:
+            throw Error("keys of the " + columnTypeName(column.type) + " column " +
+                        toUtf8(column.name) + " are not supported");
+    }
+}
+
 void appendColumnKey(Bytes& key, const Column& column, bool ascending, const Value& value) {
     if (value.isNull() && column.type != ColumnType::Boolean) {
         key.push_back(ascending ? kNullAscending : kNullDescending);
@@ -393,29 +445,35 @@ void appendColumnKey(Bytes& key, const Column& column, bool ascending, const Val
     const std::size_t start = key.size();
     appendValue(key, column, value);
     if (ascending) {
-        if (column.type == ColumnType::Text) key.push_back(kTextEnd);
+        if (isTextual(column))
+            key.push_back(kTextEnd);
         return;
     }
     // Descending: the value's bytes inverted. A text ends in kTextEnd both
     // before and after the inversion, so that a shorter text sorts last.
     // Binary segments keep their kMoreSegments bytes uninverted.
-    if (column.type == ColumnType::Text) key.push_back(kTextEnd);
+    if (isTextual(column))
+        key.push_back(kTextEnd);
     for (std::size_t i = start; i < key.size(); ++i) {
         const bool segmentMark = column.type == ColumnType::Binary &&
                                  (i - start) % (kSegmentSize + 1) == kSegmentSize &&
                                  i + 1 < key.size();
-        if (!segmentMark) key[i] = static_cast<std::uint8_t>(~key[i]);
+        if (!segmentMark)
+            key[i] = static_cast<std::uint8_t>(~key[i]);
     }
-    if (column.type == ColumnType::Text) key.push_back(kTextEnd);
+    if (isTextual(column))
+        key.push_back(kTextEnd);
 }
 
 bool isRowIndexed(const TableDefinition& table, const RealIndex& index,
                   const std::vector<Value>& values) {
-    if ((index.flags & format::kIndexIgnoreNulls) == 0) return true;
+    if ((index.flags & format::kIndexIgnoreNulls) == 0)
+        return true;
     for (const IndexColumn& indexColumn : index.columns) {
         const Column* column = nullptr;
         const Value& value = valueOf(table, values, indexColumn.columnNumber, &column);
-        if (!value.isNull() || column->type == ColumnType::Boolean) return true;
+        if (!value.isNull() || column->type == ColumnType::Boolean)
+            return true;
     }
     return false;
 }

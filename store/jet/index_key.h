@@ -12,10 +12,12 @@ namespace jet {
 // descending column 0x80 and 0xff) and, for a value, its encoding, whose
 // bytes a descending column inverts.
 //
-// Text is keyed in the General sort order of Access 2000 (sort order 0x409,
+// Text and memo are keyed in the General sort order of Access 2000 (sort order 0x409,
 // version 0), for the characters of ASCII, Latin-1 and the Turkish alphabet;
 // letters key without regard to case. Any other sort order or character
-// throws Error rather than give a key that might differ from Jet's.
+// throws Error rather than give a key that might differ from Jet's. A memo
+// is keyed as a text; one longer than the longest text (255 characters) is
+// refused, as it is not known where Jet cuts it.
 
 // Whether Jet keeps an entry for a row with these values: an index that
 // ignores nulls leaves out the rows whose key columns are all Null.
@@ -27,6 +29,10 @@ bool isRowIndexed(const TableDefinition& table, const RealIndex& index,
 // REQUIRES: values are in the order of table.columns.
 Bytes encodeIndexKey(const TableDefinition& table, const RealIndex& index,
                      const std::vector<Value>& values);
+
+// Throws Error when no value of the column can be keyed: a type without
+// known keys, or text in another sort order than General.
+void checkKeyableColumn(const Column& column);
 
 // Appends one column's part of a key. Throws Error when the value is not of
 // the column's kind or cannot be keyed.

@@ -17,11 +17,14 @@ namespace {
 // the entries sort as plain bytes.
 std::uint32_t bigEndian(ByteView bytes, std::size_t offset, std::size_t length) {
     std::uint32_t value = 0;
-    for (std::size_t i = 0; i < length; ++i) value = (value << 8) | bytes.u8(offset + i);
+    for (std::size_t i = 0; i < length; ++i)
+        value = (value << 8) | bytes.u8(offset + i);
     return value;
 }
 
-std::string where(std::uint32_t page) { return "index page " + std::to_string(page); }
+std::string where(std::uint32_t page) {
+    return "index page " + std::to_string(page);
+}
 
 }  // namespace
 
@@ -45,7 +48,8 @@ IndexPage::IndexPage(const Page& page, std::uint32_t number) : number_(number) {
     ByteView prefix;
     std::size_t start = 0;  // of the next entry, in the entry area
     for (std::size_t bit = 0; bit < 8 * mask.size(); ++bit) {
-        if ((mask.u8(bit / 8) & (1u << (bit % 8))) == 0) continue;
+        if ((mask.u8(bit / 8) & (1u << (bit % 8))) == 0)
+            continue;
         if (bit > area.size()) {
             throw Error(where(number) + ": an entry ends at offset " +
                         std::to_string(x::kEntriesOffset + bit) + ", beyond the page");
@@ -54,25 +58,29 @@ IndexPage::IndexPage(const Page& page, std::uint32_t number) : number_(number) {
         if (entries_.empty()) {
             if (prefixLength_ > stored.size()) {
                 throw Error(where(number) + ": the shared prefix of " +
-                            std::to_string(prefixLength_) + " bytes is longer than the first entry");
+                            std::to_string(prefixLength_) +
+                            " bytes is longer than the first entry");
             }
             prefix = stored.sub(0, prefixLength_);
         }
         // The first entry holds the prefix itself; the others leave it out.
         Bytes full;
-        if (!entries_.empty()) full.assign(prefix.data(), prefix.data() + prefix.size());
+        if (!entries_.empty())
+            full.assign(prefix.data(), prefix.data() + prefix.size());
         full.insert(full.end(), stored.data(), stored.data() + stored.size());
         if (full.size() <= pointersSize) {
             throw Error(where(number) + ": the entry at offset " +
                         std::to_string(x::kEntriesOffset + start) + " is " +
-                        std::to_string(full.size()) + " bytes, too short for a key and its pointers");
+                        std::to_string(full.size()) +
+                        " bytes, too short for a key and its pointers");
         }
         const ByteView entryBytes(full.data(), full.size());
         const std::size_t keyLength = full.size() - pointersSize;
         IndexPageEntry entry;
         entry.row.page = bigEndian(entryBytes, keyLength, 3);
         entry.row.row = entryBytes.u8(keyLength + 3);
-        if (!leaf_) entry.childPage = bigEndian(entryBytes, keyLength + x::kRowPointerSize, 4);
+        if (!leaf_)
+            entry.childPage = bigEndian(entryBytes, keyLength + x::kRowPointerSize, 4);
         full.resize(keyLength);
         entry.key = std::move(full);
         entries_.push_back(std::move(entry));
@@ -95,7 +103,7 @@ Bytes sortBytes(const IndexPageEntry& entry) {
 // Reads the pages of one index, each at most once, all of the same table.
 class IndexPageReader {
 public:
-    explicit IndexPageReader(const PageFile& file)
+    explicit IndexPageReader(const PageSource& file)
         : file_(file), seen_(file.pageCount(), false) {}
 
     IndexPage read(std::uint32_t number, std::uint32_t from) {
@@ -111,7 +119,8 @@ public:
         Page bytes;
         file_.read(number, bytes);
         IndexPage page(bytes, number);
-        if (owner_ == 0) owner_ = page.owner();
+        if (owner_ == 0)
+            owner_ = page.owner();
         if (page.owner() != owner_) {
             throw Error(where(number) + " belongs to the table on page " +
                         std::to_string(page.owner()) + ", not to the table on page " +
@@ -121,14 +130,14 @@ public:
     }
 
 private:
-    const PageFile& file_;
-    std::vector<bool> seen_;  // pages read so far
-    std::uint32_t owner_ = 0; // the table definition page of the first page read
+    const PageSource& file_;
+    std::vector<bool> seen_;   // pages read so far
+    std::uint32_t owner_ = 0;  // the table definition page of the first page read
 };
 
 }  // namespace
 
-std::vector<IndexEntry> readIndexEntries(const PageFile& file, const RealIndex& index) {
+std::vector<IndexEntry> readIndexEntries(const PageSource& file, const RealIndex& index) {
     IndexPageReader reader(file);
     IndexPage page = reader.read(index.firstPage, index.firstPage);
     while (!page.isLeaf()) {
@@ -157,7 +166,8 @@ std::vector<IndexEntry> readIndexEntries(const PageFile& file, const RealIndex& 
             previous = std::move(order);
             entries.push_back(IndexEntry{entry.key, entry.row});
         }
-        if (page.nextPage() == 0) break;
+        if (page.nextPage() == 0)
+            break;
         IndexPage next = reader.read(page.nextPage(), page.number());
         if (!next.isLeaf() || next.prevPage() != page.number()) {
             throw Error(where(next.number()) + " follows leaf page " +

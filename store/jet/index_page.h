@@ -12,9 +12,9 @@ namespace jet {
 
 // One entry of an index page, its shared prefix put back.
 struct IndexPageEntry {
-    Bytes key;                   // the encoded key, without the pointers after it
-    RowId row;                   // the row the key was taken from
-    std::uint32_t childPage = 0; // intermediate pages: the page below, whose last key this is
+    Bytes key;                    // the encoded key, without the pointers after it
+    RowId row;                    // the row the key was taken from
+    std::uint32_t childPage = 0;  // intermediate pages: the page below, whose last key this is
 };
 
 // An index page (type 0x03 intermediate, 0x04 leaf). Each entry is a key
@@ -58,6 +58,6 @@ struct IndexEntry {
 // page to the leftmost leaf, then along the leaves. Throws Error for pages
 // that are not index pages of the same table, pointers beyond the file,
 // loops among the pages, and entries out of order.
-std::vector<IndexEntry> readIndexEntries(const PageFile& file, const RealIndex& index);
+std::vector<IndexEntry> readIndexEntries(const PageSource& file, const RealIndex& index);
 
 }  // namespace jet

@@ -9,6 +9,9 @@
 #include "data_page_builder.h"
 #include "error.h"
 #include "format.h"
+#include "index_key.h"
+#include "index_writer.h"
+#include "row_decoder.h"
 #include "row_encoder.h"
 #include "text.h"
 #include "usage_map.h"
@@ -45,13 +48,117 @@ std::uint32_t readU32(const Page& page, std::size_t at) {
     return value;
 }
 
+// Whether every key column of the index is Null in the row: such a row
+// never breaks a unique index.
+bool allKeyColumnsNull(const TableDefinition& table, const RealIndex& index,
+                       const std::vector<Value>& values) {
+    for (const IndexColumn& indexColumn : index.columns) {
+        for (std::size_t i = 0; i < table.columns.size() && i < values.size(); ++i) {
+            if (table.columns[i].number != indexColumn.columnNumber)
+                continue;
+            if (!values[i].isNull() || table.columns[i].type == ColumnType::Boolean)
+                return false;
+        }
+    }
+    return true;
+}
+
+const Value* valueOfColumn(const TableDefinition& table, const std::vector<Value>& values,
+                           std::uint16_t number, const Column** column) {
+    for (std::size_t i = 0; i < table.columns.size() && i < values.size(); ++i) {
+        if (table.columns[i].number == number) {
+            *column = &table.columns[i];
+            return &values[i];
+        }
+    }
+    return nullptr;
+}
+
 }  // namespace
 
 TableWriter::TableWriter(WriteStatement& statement, const TableDefinition& table)
     : statement_(statement), table_(table) {
-    if (!table.realIndexes.empty()) {
-        throw Error("table " + toUtf8(table.name) + " has indexes, and this version cannot yet " +
-                    "keep indexes in step: nothing was written");
+    for (std::size_t i = 0; i < table.realIndexes.size(); ++i) {
+        for (const IndexColumn& indexColumn : table.realIndexes[i].columns) {
+            const Column* column = table.columnByNumber(indexColumn.columnNumber);
+            if (column == nullptr) {
+                throw Error("index " + indexName(i) + " of table " + toUtf8(table.name) +
+                            " names column " + std::to_string(indexColumn.columnNumber) +
+                            ", which the table does not have");
+            }
+            try {
+                checkKeyableColumn(*column);
+            } catch (const Error& error) {
+                throw Error("table " + toUtf8(table.name) + " cannot be written: its index " +
+                            indexName(i) + " has keys this engine cannot write: " + error.what());
+            }
+        }
+        indexes_.push_back(std::make_unique<IndexWriter>(statement, table, i));
+    }
+}
+
+TableWriter::~TableWriter() = default;
+
+std::string TableWriter::indexName(std::size_t realIndex) const {
+    std::string names;
+    for (const LogicalIndex& index : table_.indexes) {
+        if (index.realIndex != realIndex)
+            continue;
+        if (!names.empty())
+            names += ", ";
+        names += toUtf8(index.name);
+    }
+    return names.empty() ? "number " + std::to_string(realIndex) : names;
+}
+
+TableWriter::IndexKeys TableWriter::indexKeys(const std::vector<Value>& values) const {
+    IndexKeys keys(table_.realIndexes.size());
+    for (std::size_t i = 0; i < table_.realIndexes.size(); ++i) {
+        const RealIndex& index = table_.realIndexes[i];
+        bool primaryKey = false;
+        for (const LogicalIndex& logical : table_.indexes) {
+            if (logical.realIndex == i && logical.isPrimaryKey())
+                primaryKey = true;
+        }
+        if (primaryKey || (index.flags & format::kIndexRequired) != 0) {
+            for (const IndexColumn& indexColumn : index.columns) {
+                const Column* column = nullptr;
+                const Value* value =
+                    valueOfColumn(table_, values, indexColumn.columnNumber, &column);
+                if (value != nullptr && value->isNull() && column->type != ColumnType::Boolean) {
+                    throw Error("column " + toUtf8(column->name) + " of table " +
+                                toUtf8(table_.name) + " may not be Null: it is in the " +
+                                (primaryKey ? "primary key " : "required index ") + indexName(i));
+                }
+            }
+        }
+        if (!isRowIndexed(table_, index, values))
+            continue;
+        try {
+            keys[i] = encodeIndexKey(table_, index, values);
+        } catch (const Error& error) {
+            throw Error("a row of table " + toUtf8(table_.name) + " cannot be keyed in its index " +
+                        indexName(i) + ": " + error.what());
+        }
+    }
+    return keys;
+}
+
+void TableWriter::checkUnique(const IndexKeys& keys, const std::vector<Value>& values, RowId except,
+                              const IndexKeys* old) {
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        const RealIndex& index = table_.realIndexes[i];
+        if (!index.isUnique() || !keys[i])
+            continue;
+        if (old != nullptr && (*old)[i] == keys[i])
+            continue;
+        if (allKeyColumnsNull(table_, index, values))
+            continue;
+        // Two rows of one statement may share a key no more than with rows before it.
+        if (indexes_[i]->holdsKey(*keys[i], except)) {
+            throw Error("table " + toUtf8(table_.name) + " already has a row with the same " +
+                        "values in its unique index " + indexName(i) + ": nothing was written");
+        }
     }
 }
 
@@ -167,19 +274,31 @@ void TableWriter::addToRowCount(int delta) {
 }
 
 RowId TableWriter::insert(std::vector<Value> values) {
+    // The AutoNumber is taken only once the row is known to be accepted.
+    std::optional<std::uint32_t> autoNumber;
     for (std::size_t i = 0; i < table_.columns.size() && i < values.size(); ++i) {
         const Column& column = table_.columns[i];
         if ((column.flags & format::kColumnAutoLong) != 0 && values[i].isNull()) {
-            Page& page = statement_.change(table_.page);
-            const std::uint32_t next = readU32(page, format::tdef::kAutoNumberOffset) + 1;
-            std::memcpy(page.data() + format::tdef::kAutoNumberOffset, &next, 4);
-            values[i] = Value::integer(static_cast<std::int32_t>(next));
+            Page definition{};
+            statement_.read(table_.page, definition);
+            autoNumber = readU32(definition, format::tdef::kAutoNumberOffset) + 1;
+            values[i] = Value::integer(static_cast<std::int32_t>(*autoNumber));
         }
+    }
+    const IndexKeys keys = indexKeys(values);
+    checkUnique(keys, values, RowId{}, nullptr);
+    if (autoNumber) {
+        Page& page = statement_.change(table_.page);
+        std::memcpy(page.data() + format::tdef::kAutoNumberOffset, &*autoNumber, 4);
     }
     const Bytes row = encodeRow(table_, values,
                                 [&](const Column&, const Bytes& stored) { return storeLongValue(stored); });
     const RowId placed = placeRow(row, 0);
     addToRowCount(1);
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        if (keys[i])
+            indexes_[i]->insert(*keys[i], placed);
+    }
     return placed;
 }
 
@@ -199,11 +318,29 @@ void TableWriter::update(RowId row, const std::vector<Value>& values) {
         const std::uint32_t pointer = home.rowBytes(homeSlot).u32(0);
         data = RowId{pointerPage(pointer), pointerRow(pointer)};
     }
+    IndexKeys oldKeys;
+    IndexKeys newKeys;
     {
         Page dataPage{};
         statement_.read(data.page, dataPage);
         const DataPage current(dataPage, data.page);
-        freeLongValues(current.rowBytes(current.slot(data.row)));
+        const ByteView bytes = current.rowBytes(current.slot(data.row));
+        if (!indexes_.empty()) {
+            std::vector<Value> oldValues;
+            decodeRow(statement_, table_, bytes, oldValues);
+            oldKeys = indexKeys(oldValues);
+            newKeys = indexKeys(values);
+            checkUnique(newKeys, values, row, &oldKeys);
+        }
+        freeLongValues(bytes);
+    }
+    for (std::size_t i = 0; i < indexes_.size(); ++i) {
+        if (oldKeys[i] == newKeys[i])
+            continue;
+        if (oldKeys[i])
+            indexes_[i]->remove(*oldKeys[i], row);
+        if (newKeys[i])
+            indexes_[i]->insert(*newKeys[i], row);
     }
     const Bytes encoded = encodeRow(table_, values,
                                     [&](const Column&, const Bytes& stored) { return storeLongValue(stored); });
@@ -223,6 +360,30 @@ void TableWriter::update(RowId row, const std::vector<Value>& values) {
 }
 
 void TableWriter::remove(RowId row) {
+    IndexKeys keys;
+    if (!indexes_.empty()) {
+        Page homePage{};
+        statement_.read(row.page, homePage);
+        const DataPage home(homePage, row.page);
+        if (home.owner() != table_.page) {
+            throw Error("page " + std::to_string(row.page) + " holds no rows of table " +
+                        toUtf8(table_.name));
+        }
+        const RowSlot slot = home.slot(row.row);
+        if (slot.deleted)
+            throw Error("the row was deleted meanwhile");
+        Page dataPage = homePage;
+        ByteView bytes = home.rowBytes(slot);
+        if (slot.overflow) {
+            const std::uint32_t pointer = bytes.u32(0);
+            statement_.read(pointerPage(pointer), dataPage);
+            const DataPage target(dataPage, pointerPage(pointer));
+            bytes = target.rowBytes(target.slot(pointerRow(pointer)));
+        }
+        std::vector<Value> values;
+        decodeRow(statement_, table_, bytes, values);
+        keys = indexKeys(values);
+    }
     Page& page = statement_.change(row.page);
     const DataPage home(page, row.page);
     if (home.owner() != table_.page) {
@@ -230,6 +391,10 @@ void TableWriter::remove(RowId row) {
     }
     const RowSlot slot = home.slot(row.row);
     if (slot.deleted) throw Error("the row was deleted meanwhile");
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        if (keys[i])
+            indexes_[i]->remove(*keys[i], row);
+    }
     if (slot.overflow) {
         const std::uint32_t pointer = home.rowBytes(slot).u32(0);
         Page& targetPage = statement_.change(pointerPage(pointer));

@@ -162,4 +162,18 @@ std::uint32_t allocatePage(WriteStatement& statement) {
     return page;
 }
 
+void releasePage(WriteStatement& statement, std::uint32_t page) {
+    const MapRow row = mapRow(statement, kGlobalMapPointer);
+    if (row.bytes[0] == u::kInlineMap) {
+        const std::uint32_t start = u32At(row.bytes + 1);
+        if (page >= start && page - start < (row.size - 5) * 8)
+            setBit(row.bytes + 5, page - start, true);
+        return;
+    }
+    const std::size_t slot = page / u::kPagesPerMapPage;
+    if (1 + 4 * (slot + 1) <= row.size && u32At(row.bytes + 1 + 4 * slot) != 0) {
+        setReferenceBit(statement, kGlobalMapPointer, page, true);
+    }
+}
+
 }  // namespace jet

@@ -18,4 +18,8 @@ void removeFromUsageMap(WriteStatement& statement, std::uint32_t pointer, std::u
 // the map's window count as free).
 std::uint32_t allocatePage(WriteStatement& statement);
 
+// Marks a page no longer used as free in the database's map of free pages,
+// where the map reaches it; a page it cannot reach stays marked used.
+void releasePage(WriteStatement& statement, std::uint32_t page);
+
 }  // namespace jet

@@ -85,8 +85,10 @@ std::string Decimal::toString() const {
     }
     while (digits.size() <= scale) digits.push_back('0');
     std::reverse(digits.begin(), digits.end());
-    if (scale > 0) digits.insert(digits.size() - scale, ".");
-    return negative ? "-" + digits : digits;
+    std::string text = negative ? "-" : "";
+    text.append(digits, 0, digits.size() - scale);
+    if (scale > 0) text.append(".").append(digits, digits.size() - scale, scale);
+    return text;
 }
 
 }  // namespace jet
