@@ -47,12 +47,14 @@ std::vector<Token> tokenize(std::u16string_view sql) {
             i = end + 1;
         } else if (c >= u'0' && c <= u'9') {
             std::size_t end = i;
-            while (end < sql.size() && sql[end] >= u'0' && sql[end] <= u'9') ++end;
+            while (end < sql.size() && sql[end] >= u'0' && sql[end] <= u'9')
+                ++end;
             tokens.push_back({Token::Kind::Number, std::u16string(sql.substr(i, end - i))});
             i = end;
         } else if (isNameCharacter(c)) {
             std::size_t end = i;
-            while (end < sql.size() && isNameCharacter(sql[end])) ++end;
+            while (end < sql.size() && isNameCharacter(sql[end]))
+                ++end;
             tokens.push_back({Token::Kind::Word, std::u16string(sql.substr(i, end - i))});
             i = end;
         } else {
@@ -65,11 +67,14 @@ std::vector<Token> tokenize(std::u16string_view sql) {
 }
 
 bool isKeyword(const Token& token, std::string_view keyword) {
-    if (token.kind != Token::Kind::Word || token.text.size() != keyword.size()) return false;
+    if (token.kind != Token::Kind::Word || token.text.size() != keyword.size())
+        return false;
     for (std::size_t i = 0; i < keyword.size(); ++i) {
         char16_t c = token.text[i];
-        if (c >= u'a' && c <= u'z') c = static_cast<char16_t>(c - 32);
-        if (c != static_cast<char16_t>(keyword[i])) return false;
+        if (c >= u'a' && c <= u'z')
+            c = static_cast<char16_t>(c - 32);
+        if (c != static_cast<char16_t>(keyword[i]))
+            return false;
     }
     return true;
 }
@@ -89,14 +94,17 @@ public:
         } while (acceptSymbol(u','));
         expectSymbol(u')');
         acceptSymbol(u';');
-        if (peek().kind != Token::Kind::End) fail("the end of the statement");
+        if (peek().kind != Token::Kind::End)
+            fail("the end of the statement");
         nameUnnamedIndexes(table);
         return table;
     }
 
 private:
     const Token& peek() const { return tokens_[position_]; }
-    const Token& next() { return tokens_[position_ < tokens_.size() - 1 ? position_++ : position_]; }
+    const Token& next() {
+        return tokens_[position_ < tokens_.size() - 1 ? position_++ : position_];
+    }
 
     [[noreturn]] void fail(const std::string& expected) const {
         const Token& token = peek();
@@ -107,27 +115,33 @@ private:
     }
 
     bool accept(std::string_view keyword) {
-        if (!isKeyword(peek(), keyword)) return false;
+        if (!isKeyword(peek(), keyword))
+            return false;
         next();
         return true;
     }
     void expect(std::string_view keyword) {
-        if (!accept(keyword)) fail(std::string(keyword));
+        if (!accept(keyword))
+            fail(std::string(keyword));
     }
     bool acceptSymbol(char16_t symbol) {
-        if (peek().kind != Token::Kind::Symbol || peek().text[0] != symbol) return false;
+        if (peek().kind != Token::Kind::Symbol || peek().text[0] != symbol)
+            return false;
         next();
         return true;
     }
     void expectSymbol(char16_t symbol) {
-        if (!acceptSymbol(symbol)) fail(std::string("\"") + static_cast<char>(symbol) + "\"");
+        if (!acceptSymbol(symbol))
+            fail(std::string("\"") + static_cast<char>(symbol) + "\"");
     }
     std::u16string name(const std::string& what) {
-        if (peek().kind != Token::Kind::Word && peek().kind != Token::Kind::Name) fail(what);
+        if (peek().kind != Token::Kind::Word && peek().kind != Token::Kind::Name)
+            fail(what);
         return next().text;
     }
     std::uint16_t number() {
-        if (peek().kind != Token::Kind::Number || peek().text.size() > 4) fail("a size");
+        if (peek().kind != Token::Kind::Number || peek().text.size() > 4)
+            fail("a size");
         return static_cast<std::uint16_t>(std::stoi(toUtf8(next().text)));
     }
 
@@ -159,7 +173,8 @@ private:
         NewIndex index;
         if (accept("CONSTRAINT")) {
             index.name = name("a constraint name");
-            if (!constraintKind(index)) fail("PRIMARY KEY or UNIQUE");
+            if (!constraintKind(index))
+                fail("PRIMARY KEY or UNIQUE");
             index.columns = columnList();
             table.indexes.push_back(std::move(index));
             return;
@@ -235,11 +250,13 @@ private:
             } else if (accept("NULL")) {
                 continue;
             } else if (accept("WITH")) {
-                if (!accept("COMPRESSION") && !accept("COMP")) fail("COMPRESSION");
+                if (!accept("COMPRESSION") && !accept("COMP"))
+                    fail("COMPRESSION");
                 column.compressedUnicode = true;
             } else if (accept("CONSTRAINT")) {
                 index.name = name("a constraint name");
-                if (!constraintKind(index)) fail("PRIMARY KEY or UNIQUE");
+                if (!constraintKind(index))
+                    fail("PRIMARY KEY or UNIQUE");
                 index.columns = {column.name};
                 table.indexes.push_back(std::move(index));
             } else if (constraintKind(index)) {
@@ -256,15 +273,18 @@ private:
     static void nameUnnamedIndexes(NewTable& table) {
         const auto taken = [&](const std::u16string& name) {
             for (const NewIndex& index : table.indexes) {
-                if (sameName(index.name, name)) return true;
+                if (sameName(index.name, name))
+                    return true;
             }
             return false;
         };
         for (NewIndex& index : table.indexes) {
-            if (!index.name.empty()) continue;
+            if (!index.name.empty())
+                continue;
             const std::u16string base = index.primaryKey ? u"PrimaryKey" : index.columns.front();
             std::u16string candidate = base;
-            for (int n = 1; taken(candidate); ++n) candidate = base + fromUtf8(std::to_string(n));
+            for (int n = 1; taken(candidate); ++n)
+                candidate = base + fromUtf8(std::to_string(n));
             index.name = candidate;
         }
     }
@@ -273,18 +293,22 @@ private:
     std::size_t position_ = 0;
 };
 
-std::uint32_t pointer(RowId row) { return (row.page << 8) | row.row; }
+std::uint32_t pointer(RowId row) {
+    return (row.page << 8) | row.row;
+}
 
 }  // namespace
 
-NewTable parseCreateTable(std::u16string_view sql) { return Parser(sql).createTable(); }
+NewTable parseCreateTable(std::u16string_view sql) {
+    return Parser(sql).createTable();
+}
 
 TableDefinition createTable(WriteStatement& statement, const NewTable& spec) {
     for (const CatalogEntry& entry : readCatalog(statement)) {
         if (entry.parentId == format::kTablesContainerId && sameName(entry.name, spec.name)) {
-            throw Error("table " + toUtf8(spec.name) + " cannot be made: " +
-                        (entry.isTable() ? "table " : "an object named ") + toUtf8(entry.name) +
-                        " exists");
+            throw Error("table " + toUtf8(spec.name) +
+                        " cannot be made: " + (entry.isTable() ? "table " : "an object named ") +
+                        toUtf8(entry.name) + " exists");
         }
     }
     TableDefinition table = layOutTable(spec);
@@ -292,7 +316,8 @@ TableDefinition createTable(WriteStatement& statement, const NewTable& spec) {
 
     // Pages: the definition, one for the usage maps, one root per index.
     table.pages.resize(tableDefinitionPageCount(table));
-    for (std::uint32_t& page : table.pages) page = allocatePage(statement);
+    for (std::uint32_t& page : table.pages)
+        page = allocatePage(statement);
     table.page = table.pages.front();
     const std::uint32_t mapPage = allocatePage(statement);
     initDataPage(statement.change(mapPage), 0);
@@ -311,10 +336,11 @@ TableDefinition createTable(WriteStatement& statement, const NewTable& spec) {
         addToUsageMap(statement, index.usageMap, index.firstPage);
     }
     const std::vector<Page> definition = buildTableDefinition(table);
-    for (std::size_t i = 0; i < definition.size(); ++i) statement.change(table.pages[i]) = definition[i];
+    for (std::size_t i = 0; i < definition.size(); ++i)
+        statement.change(table.pages[i]) = definition[i];
 
-    const CatalogEntry entry{table.name, static_cast<std::int32_t>(table.page), format::kTablesContainerId,
-                             format::kObjectTypeTable, 0};
+    const CatalogEntry entry{table.name, static_cast<std::int32_t>(table.page),
+                             format::kTablesContainerId, format::kObjectTypeTable, 0};
     TableWriter(statement, objects).insert(catalogRow(objects, entry, currentDate()));
     return table;
 }

@@ -27,7 +27,9 @@ constexpr std::uint32_t kGlobalMapPage = 1;
 
 // System tables' text and binary columns hold 255 characters or 510 bytes.
 NewColumn column(std::u16string name, ColumnType type) {
-    const std::uint16_t length = type == ColumnType::Text ? 255 : type == ColumnType::Binary ? 510 : 0;
+    const std::uint16_t length = type == ColumnType::Text     ? 255
+                                 : type == ColumnType::Binary ? 510
+                                                              : 0;
     NewColumn c;
     c.name = std::move(name);
     c.type = type;
@@ -58,7 +60,9 @@ struct Pages {
     }
 };
 
-std::uint32_t pointer(std::uint32_t page, std::uint16_t row) { return (page << 8) | row; }
+std::uint32_t pointer(std::uint32_t page, std::uint16_t row) {
+    return (page << 8) | row;
+}
 
 void setBit(Bytes& map, std::uint32_t page, bool on) {
     const std::size_t at = 5 + page / 8;
@@ -73,7 +77,8 @@ void setBit(Bytes& map, std::uint32_t page, bool on) {
 void writeFile(const std::string& path, const std::vector<Page>& pages, std::uint32_t key) {
     {
         std::ofstream create(path, std::ios::binary | std::ios::trunc);
-        if (!create) throw Error("cannot create " + path + ": " + std::strerror(errno));
+        if (!create)
+            throw Error("cannot create " + path + ": " + std::strerror(errno));
     }
     PageFile file(path, PageFile::Mode::ReadWrite);
     file.setEncodingKey(key);
@@ -87,26 +92,29 @@ void writeFile(const std::string& path, const std::vector<Page>& pages, std::uin
 
 std::vector<NewTable> systemTables() {
     using T = ColumnType;
-    NewTable objects{u"MSysObjects", true,
-                     {column(u"Id", T::LongInteger), column(u"ParentId", T::LongInteger),
-                      column(u"Name", T::Text), column(u"Type", T::Integer),
-                      column(u"DateCreate", T::DateTime), column(u"DateUpdate", T::DateTime),
-                      column(u"Owner", T::Binary), column(u"Flags", T::LongInteger),
-                      column(u"Database", T::Memo), column(u"Connect", T::Memo),
-                      column(u"ForeignName", T::Text), column(u"RmtInfoShort", T::Binary),
-                      column(u"RmtInfoLong", T::Ole), column(u"Lv", T::Ole), column(u"LvProp", T::Ole),
-                      column(u"LvModule", T::Ole), column(u"LvExtra", T::Ole)},
-                     {index(u"ParentIdName", {u"ParentId", u"Name"}), index(u"Id", {u"Id"})}};
+    NewTable objects{
+        u"MSysObjects",
+        true,
+        {column(u"Id", T::LongInteger), column(u"ParentId", T::LongInteger),
+         column(u"Name", T::Text), column(u"Type", T::Integer), column(u"DateCreate", T::DateTime),
+         column(u"DateUpdate", T::DateTime), column(u"Owner", T::Binary),
+         column(u"Flags", T::LongInteger), column(u"Database", T::Memo),
+         column(u"Connect", T::Memo), column(u"ForeignName", T::Text),
+         column(u"RmtInfoShort", T::Binary), column(u"RmtInfoLong", T::Ole), column(u"Lv", T::Ole),
+         column(u"LvProp", T::Ole), column(u"LvModule", T::Ole), column(u"LvExtra", T::Ole)},
+        {index(u"ParentIdName", {u"ParentId", u"Name"}), index(u"Id", {u"Id"})}};
     objects.indexes[0].unique = true;
     objects.indexes[1].primaryKey = true;
 
-    NewTable aces{u"MSysACEs", true,
+    NewTable aces{u"MSysACEs",
+                  true,
                   {column(u"ObjectId", T::LongInteger), column(u"SID", T::Binary),
                    column(u"ACM", T::LongInteger), column(u"FInheritable", T::Boolean)},
                   {index(u"ObjectId", {u"ObjectId"})}};
     aces.indexes[0].required = true;
 
-    NewTable queries{u"MSysQueries", true,
+    NewTable queries{u"MSysQueries",
+                     true,
                      {column(u"ObjectId", T::LongInteger), column(u"Attribute", T::Byte),
                       column(u"Order", T::Binary), column(u"Name1", T::Text),
                       column(u"Name2", T::Text), column(u"Expression", T::Memo),
@@ -114,20 +122,22 @@ std::vector<NewTable> systemTables() {
                      {index(u"ObjectIdAttribute", {u"ObjectId", u"Attribute", u"Order"})}};
     queries.indexes[0].primaryKey = true;
 
-    NewTable relationships{u"MSysRelationships", true,
-                           {column(u"szRelationship", T::Text), column(u"grbit", T::LongInteger),
-                            column(u"ccolumn", T::LongInteger), column(u"icolumn", T::LongInteger),
-                            column(u"szObject", T::Text), column(u"szColumn", T::Text),
-                            column(u"szReferencedObject", T::Text),
-                            column(u"szReferencedColumn", T::Text)},
-                           {index(u"szRelationship", {u"szRelationship"}),
-                            index(u"szObject", {u"szObject"}),
-                            index(u"szReferencedObject", {u"szReferencedObject"})}};
-    for (NewIndex& i : relationships.indexes) i.ignoreNulls = true;
+    NewTable relationships{
+        u"MSysRelationships",
+        true,
+        {column(u"szRelationship", T::Text), column(u"grbit", T::LongInteger),
+         column(u"ccolumn", T::LongInteger), column(u"icolumn", T::LongInteger),
+         column(u"szObject", T::Text), column(u"szColumn", T::Text),
+         column(u"szReferencedObject", T::Text), column(u"szReferencedColumn", T::Text)},
+        {index(u"szRelationship", {u"szRelationship"}), index(u"szObject", {u"szObject"}),
+         index(u"szReferencedObject", {u"szReferencedObject"})}};
+    for (NewIndex& i : relationships.indexes)
+        i.ignoreNulls = true;
     return {objects, aces, queries, relationships};
 }
 
-std::vector<Value> catalogRow(const TableDefinition& objects, const CatalogEntry& entry, Date date) {
+std::vector<Value> catalogRow(const TableDefinition& objects, const CatalogEntry& entry,
+                              Date date) {
     std::vector<Value> values;
     for (const Column& c : objects.columns) {
         const std::u16string& name = c.name;
@@ -168,7 +178,8 @@ Date currentDate() {
 void createDatabase(const std::string& path, const NewDatabaseOptions& options) {
     namespace fs = std::filesystem;
     std::error_code ignored;
-    if (fs::exists(path, ignored)) throw Error("cannot create " + path + ": the file exists");
+    if (fs::exists(path, ignored))
+        throw Error("cannot create " + path + ": the file exists");
 
     DatabaseHeader header;
     header.version = format::kVersionJet4;
@@ -193,7 +204,8 @@ void createDatabase(const std::string& path, const NewDatabaseOptions& options) 
     for (TableDefinition& table : tables) {
         for (const LogicalIndex& logical : table.indexes) {
             if (logical.isPrimaryKey()) {
-                table.realIndexes[logical.realIndex].flags &= static_cast<std::uint8_t>(~format::kIndexRequired);
+                table.realIndexes[logical.realIndex].flags &=
+                    static_cast<std::uint8_t>(~format::kIndexRequired);
             }
         }
     }
@@ -212,7 +224,8 @@ void createDatabase(const std::string& path, const NewDatabaseOptions& options) 
     for (std::size_t t = 0; t < tables.size(); ++t) {
         tableMaps.push_back(addMap(tables[t].usageMap));
         addMap(tables[t].freeSpaceMap);
-        for (RealIndex& real : tables[t].realIndexes) indexMaps[t].push_back(addMap(real.usageMap));
+        for (RealIndex& real : tables[t].realIndexes)
+            indexMaps[t].push_back(addMap(real.usageMap));
     }
     for (std::size_t t = 0; t < tables.size(); ++t) {
         for (std::size_t i = 0; i < tables[t].realIndexes.size(); ++i) {
@@ -229,13 +242,14 @@ void createDatabase(const std::string& path, const NewDatabaseOptions& options) 
     std::vector<CatalogEntry> entries = {
         {u"Tables", format::kTablesContainerId, root, format::kObjectTypeContainer, system},
         {u"Databases", format::kDatabasesContainerId, root, format::kObjectTypeContainer, system},
-        {u"Relationships", format::kRelationshipsContainerId, root, format::kObjectTypeContainer, system},
+        {u"Relationships", format::kRelationshipsContainerId, root, format::kObjectTypeContainer,
+         system},
         {u"MSysDb", format::kDatabaseObjectId, format::kDatabasesContainerId,
          format::kObjectTypeDatabase, system},
     };
     for (const TableDefinition& table : tables) {
-        entries.push_back({table.name, static_cast<std::int32_t>(table.page), format::kTablesContainerId,
-                           format::kObjectTypeTable, system});
+        entries.push_back({table.name, static_cast<std::int32_t>(table.page),
+                           format::kTablesContainerId, format::kObjectTypeTable, system});
     }
     std::vector<std::vector<IndexEntry>> keys(objects.realIndexes.size());
     for (const CatalogEntry& entry : entries) {
@@ -245,7 +259,8 @@ void createDatabase(const std::string& path, const NewDatabaseOptions& options) 
         });
         const std::uint16_t slot = appendRow(file.pages[rowsPage], row);
         for (std::size_t i = 0; i < objects.realIndexes.size(); ++i) {
-            keys[i].push_back({encodeIndexKey(objects, objects.realIndexes[i], values), RowId{rowsPage, slot}});
+            keys[i].push_back(
+                {encodeIndexKey(objects, objects.realIndexes[i], values), RowId{rowsPage, slot}});
         }
     }
     objects.rowCount = static_cast<std::uint32_t>(entries.size());
@@ -257,14 +272,16 @@ void createDatabase(const std::string& path, const NewDatabaseOptions& options) 
             std::vector<IndexEntry> sorted = t == 0 ? keys[i] : std::vector<IndexEntry>{};
             std::sort(sorted.begin(), sorted.end(), [](const IndexEntry& a, const IndexEntry& b) {
                 return a.key != b.key ? a.key < b.key
-                                      : std::make_pair(a.row.page, a.row.row) < std::make_pair(b.row.page, b.row.row);
+                                      : std::make_pair(a.row.page, a.row.row) <
+                                            std::make_pair(b.row.page, b.row.row);
             });
             tables[t].realIndexes[i].rowCount = static_cast<std::uint32_t>(sorted.size());
             file.pages[tables[t].realIndexes[i].firstPage] = buildIndexLeaf(tables[t].page, sorted);
         }
         file.pages[tables[t].page] = buildTableDefinition(tables[t]).at(0);
     }
-    for (const Bytes& map : maps) appendRow(file.pages[mapPage], map);
+    for (const Bytes& map : maps)
+        appendRow(file.pages[mapPage], map);
 
     // The global map: a set bit is a free page; pages past the end are free.
     Bytes global = emptyUsageMap(0);

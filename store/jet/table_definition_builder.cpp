@@ -17,8 +17,10 @@ constexpr std::size_t kMaxTextCharacters = 255;
 constexpr std::size_t kMaxNameLength = 64;  // characters, as Access allows
 
 char16_t foldCase(char16_t c) {
-    if (c >= u'a' && c <= u'z') return static_cast<char16_t>(c - 32);
-    if (c >= 0xe0 && c <= 0xfe && c != 0xf7) return static_cast<char16_t>(c - 32);
+    if (c >= u'a' && c <= u'z')
+        return static_cast<char16_t>(c - 32);
+    if (c >= 0xe0 && c <= 0xfe && c != 0xf7)
+        return static_cast<char16_t>(c - 32);
     switch (c) {
         case u'\u0131':  // dotless i
         case u'\u0130':  // dotted capital I
@@ -32,8 +34,12 @@ char16_t foldCase(char16_t c) {
     }
 }
 
-void put16(Bytes& out, std::size_t at, std::uint16_t value) { std::memcpy(out.data() + at, &value, 2); }
-void put32(Bytes& out, std::size_t at, std::uint32_t value) { std::memcpy(out.data() + at, &value, 4); }
+void put16(Bytes& out, std::size_t at, std::uint16_t value) {
+    std::memcpy(out.data() + at, &value, 2);
+}
+void put32(Bytes& out, std::size_t at, std::uint32_t value) {
+    std::memcpy(out.data() + at, &value, 4);
+}
 
 void append16(Bytes& out, std::uint16_t value) {
     out.push_back(static_cast<std::uint8_t>(value));
@@ -46,23 +52,35 @@ void append32(Bytes& out, std::uint32_t value) {
 
 void appendName(Bytes& out, const std::u16string& name) {
     append16(out, static_cast<std::uint16_t>(name.size() * 2));
-    for (const char16_t c : name) append16(out, c);
+    for (const char16_t c : name)
+        append16(out, c);
 }
 
 // The size in a row's fixed part of a column of that type; 0: variable.
 std::uint16_t fixedSize(ColumnType type) {
     switch (type) {
-        case ColumnType::Boolean: return 1;
-        case ColumnType::Byte: return 1;
-        case ColumnType::Integer: return 2;
-        case ColumnType::LongInteger: return 4;
-        case ColumnType::Currency: return 8;
-        case ColumnType::Single: return 4;
-        case ColumnType::Double: return 8;
-        case ColumnType::DateTime: return 8;
-        case ColumnType::ReplicationId: return 16;
-        case ColumnType::Decimal: return 17;
-        default: return 0;
+        case ColumnType::Boolean:
+            return 1;
+        case ColumnType::Byte:
+            return 1;
+        case ColumnType::Integer:
+            return 2;
+        case ColumnType::LongInteger:
+            return 4;
+        case ColumnType::Currency:
+            return 8;
+        case ColumnType::Single:
+            return 4;
+        case ColumnType::Double:
+            return 8;
+        case ColumnType::DateTime:
+            return 8;
+        case ColumnType::ReplicationId:
+            return 16;
+        case ColumnType::Decimal:
+            return 17;
+        default:
+            return 0;
     }
 }
 
@@ -113,7 +131,8 @@ Bytes encodeDefinition(const TableDefinition& table) {
         put16(out, at + t::kColumnFixedOffsetOffset, column.fixedOffset);
         put16(out, at + t::kColumnLengthOffset, column.length);
     }
-    for (const Column& column : table.columns) appendName(out, column.name);
+    for (const Column& column : table.columns)
+        appendName(out, column.name);
 
     for (const RealIndex& index : table.realIndexes) {
         const std::size_t at = out.size();
@@ -123,8 +142,8 @@ Bytes encodeDefinition(const TableDefinition& table) {
             const std::size_t slot = at + t::kRealIndexColumnsOffset + 3 * k;
             if (k < index.columns.size()) {
                 put16(out, slot, index.columns[k].columnNumber);
-                out[slot + 2] = index.columns[k].ascending ? t::kRealIndexAscending
-                                                           : t::kRealIndexDescending;
+                out[slot + 2] =
+                    index.columns[k].ascending ? t::kRealIndexAscending : t::kRealIndexDescending;
             } else {
                 put16(out, slot, t::kRealIndexNoColumn);
             }
@@ -144,7 +163,8 @@ Bytes encodeDefinition(const TableDefinition& table) {
         out[at + t::kLogicalIndexCascadeOffset + 1] = t::kLogicalIndexNoCascade;
         out[at + t::kLogicalIndexTypeOffset] = index.type;
     }
-    for (const LogicalIndex& index : table.indexes) appendName(out, index.name);
+    for (const LogicalIndex& index : table.indexes)
+        appendName(out, index.name);
     append16(out, t::kColumnMapsEnd);
     put32(out, t::kLengthOffset, static_cast<std::uint32_t>(out.size()));
     return out;
@@ -157,17 +177,19 @@ void refuse(const NewTable& table, const std::string& what) {
 }  // namespace
 
 bool sameName(std::u16string_view a, std::u16string_view b) {
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char16_t x, char16_t y) {
-               return foldCase(x) == foldCase(y);
-           });
+    return a.size() == b.size() &&
+           std::equal(a.begin(), a.end(), b.begin(),
+                      [](char16_t x, char16_t y) { return foldCase(x) == foldCase(y); });
 }
 
 TableDefinition layOutTable(const NewTable& spec) {
     if (spec.name.empty() || spec.name.size() > kMaxNameLength) {
         refuse(spec, "a name has 1 to 64 characters");
     }
-    if (spec.columns.empty()) refuse(spec, "it has no columns");
-    if (spec.columns.size() > kMaxColumns) refuse(spec, "it has more than 255 columns");
+    if (spec.columns.empty())
+        refuse(spec, "it has no columns");
+    if (spec.columns.size() > kMaxColumns)
+        refuse(spec, "it has more than 255 columns");
 
     TableDefinition table;
     table.name = spec.name;
@@ -188,11 +210,13 @@ TableDefinition layOutTable(const NewTable& spec) {
         column.type = source.type;
         column.number = static_cast<std::uint16_t>(table.columns.size());
         column.flags = format::kColumnNullable;
-        if (source.systemFlag) column.flags |= format::kColumnReplication;
+        if (source.systemFlag)
+            column.flags |= format::kColumnReplication;
         switch (source.type) {
             case ColumnType::Text:
                 if (source.length == 0 || source.length > kMaxTextCharacters) {
-                    refuse(spec, "text column " + toUtf8(source.name) + " must hold 1 to 255 characters");
+                    refuse(spec,
+                           "text column " + toUtf8(source.name) + " must hold 1 to 255 characters");
                 }
                 column.length = static_cast<std::uint16_t>(source.length * 2);
                 column.sortOrder = format::kSortGeneral;
@@ -200,7 +224,8 @@ TableDefinition layOutTable(const NewTable& spec) {
                 break;
             case ColumnType::Binary:
                 if (source.length == 0 || source.length > 2 * kMaxTextCharacters) {
-                    refuse(spec, "binary column " + toUtf8(source.name) + " must hold 1 to 510 bytes");
+                    refuse(spec,
+                           "binary column " + toUtf8(source.name) + " must hold 1 to 510 bytes");
                 }
                 column.length = source.length;
                 break;
@@ -212,18 +237,21 @@ TableDefinition layOutTable(const NewTable& spec) {
                 break;
             default:
                 column.length = fixedSize(source.type);
-                if (column.length == 0) refuse(spec, "column " + toUtf8(source.name) + " has an unknown type");
+                if (column.length == 0)
+                    refuse(spec, "column " + toUtf8(source.name) + " has an unknown type");
                 break;
         }
         if (source.autoNumber) {
             if (source.type != ColumnType::LongInteger) {
-                refuse(spec, "AutoNumber column " + toUtf8(source.name) + " must be a Long Integer");
+                refuse(spec,
+                       "AutoNumber column " + toUtf8(source.name) + " must be a Long Integer");
             }
             column.flags |= format::kColumnAutoLong;
         }
-        const bool fixed = fixedSize(source.type) != 0 ||
-                           ((source.type == ColumnType::Text || source.type == ColumnType::Binary) &&
-                            source.fixedLength);
+        const bool fixed =
+            fixedSize(source.type) != 0 ||
+            ((source.type == ColumnType::Text || source.type == ColumnType::Binary) &&
+             source.fixedLength);
         if (fixed) {
             column.flags |= format::kColumnFixed;
             if (source.type != ColumnType::Boolean) {
@@ -252,13 +280,15 @@ TableDefinition layOutTable(const NewTable& spec) {
             refuse(spec, "index " + toUtf8(source.name) + " must have 1 to 10 columns");
         }
         if (source.primaryKey) {
-            if (hasPrimaryKey) refuse(spec, "it has more than one primary key");
+            if (hasPrimaryKey)
+                refuse(spec, "it has more than one primary key");
             hasPrimaryKey = true;
         }
         RealIndex real;
         for (std::size_t k = 0; k < source.columns.size(); ++k) {
-            const auto found = std::find_if(table.columns.begin(), table.columns.end(),
-                                            [&](const Column& c) { return sameName(c.name, source.columns[k]); });
+            const auto found =
+                std::find_if(table.columns.begin(), table.columns.end(),
+                             [&](const Column& c) { return sameName(c.name, source.columns[k]); });
             if (found == table.columns.end()) {
                 refuse(spec, "index " + toUtf8(source.name) + " names column " +
                                  toUtf8(source.columns[k]) + ", which the table lacks");
@@ -273,9 +303,12 @@ TableDefinition layOutTable(const NewTable& spec) {
             real.columns.push_back(IndexColumn{found->number, !descending});
         }
         real.flags = format::kIndexAccessFlag;
-        if (source.unique || source.primaryKey) real.flags |= format::kIndexUnique;
-        if (source.required || source.primaryKey) real.flags |= format::kIndexRequired;
-        if (source.ignoreNulls) real.flags |= format::kIndexIgnoreNulls;
+        if (source.unique || source.primaryKey)
+            real.flags |= format::kIndexUnique;
+        if (source.required || source.primaryKey)
+            real.flags |= format::kIndexRequired;
+        if (source.ignoreNulls)
+            real.flags |= format::kIndexIgnoreNulls;
         LogicalIndex logical;
         logical.name = source.name;
         logical.number = static_cast<std::uint32_t>(table.indexes.size());
@@ -289,7 +322,8 @@ TableDefinition layOutTable(const NewTable& spec) {
 
 std::size_t tableDefinitionPageCount(const TableDefinition& table) {
     const std::size_t size = encodeDefinition(table).size();
-    if (size <= format::kPageSize) return 1;
+    if (size <= format::kPageSize)
+        return 1;
     const std::size_t perPage = format::kPageSize - t::kPageHeaderSize;
     return 1 + (size - format::kPageSize + perPage - 1) / perPage;
 }
@@ -299,7 +333,8 @@ std::vector<Page> buildTableDefinition(const TableDefinition& table) {
     std::vector<Page> pages(tableDefinitionPageCount(table));
     if (table.pages.size() != pages.size()) {
         throw Error("the definition of table " + toUtf8(table.name) + " takes " +
-                    std::to_string(pages.size()) + " pages, not " + std::to_string(table.pages.size()));
+                    std::to_string(pages.size()) + " pages, not " +
+                    std::to_string(table.pages.size()));
     }
     std::size_t from = 0;
     for (std::size_t i = 0; i < pages.size(); ++i) {
@@ -312,8 +347,10 @@ std::vector<Page> buildTableDefinition(const TableDefinition& table) {
         page[0] = format::kPageTableDefinition;
         page[1] = 0x01;
         const std::size_t used = header + take;
-        const auto free = static_cast<std::uint16_t>(
-            used + t::kPageHeaderSize <= format::kPageSize ? format::kPageSize - used - t::kPageHeaderSize : 0);
+        const auto free =
+            static_cast<std::uint16_t>(used + t::kPageHeaderSize <= format::kPageSize
+                                           ? format::kPageSize - used - t::kPageHeaderSize
+                                           : 0);
         std::memcpy(page.data() + t::kFreeSpaceOffset, &free, 2);
         const std::uint32_t next = i + 1 < pages.size() ? table.pages[i + 1] : 0;
         std::memcpy(page.data() + t::kNextPageOffset, &next, 4);
