@@ -1,6 +1,7 @@
 #include "database.h"
 
 
+#include "create_table.h"
 #include "error.h"
 #include "journal.h"
 #include "table_writer.h"
@@ -68,6 +69,16 @@ void Database::deleteRows(std::u16string_view tableName, const std::vector<RowId
         TableWriter writer(statement, table);
         for (const RowId row : rows) writer.remove(row);
     });
+}
+
+void Database::create(const std::string& path, const NewDatabaseOptions& options) {
+    createDatabase(path, options);
+}
+
+void Database::createTable(std::u16string_view sql) { createTable(parseCreateTable(sql)); }
+
+void Database::createTable(const NewTable& table) {
+    write([&](WriteStatement& statement) { jet::createTable(statement, table); });
 }
 
 }  // namespace jet

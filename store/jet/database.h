@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "catalog.h"
+#include "database_builder.h"
 #include "header.h"
 #include "page_file.h"
 #include "table_cursor.h"
@@ -50,6 +51,14 @@ public:
                                   const std::vector<std::vector<Value>>& rows);
     void updateRow(std::u16string_view table, RowId row, const std::vector<Value>& values);
     void deleteRows(std::u16string_view table, const std::vector<RowId>& rows);
+
+    // Writes a new, empty database at `path` (see createDatabase).
+    static void create(const std::string& path, const NewDatabaseOptions& options);
+    // One statement each: a table made from a CREATE TABLE statement of Jet
+    // SQL (see parseCreateTable) or from a spec. A table of that name
+    // existing, or a statement not understood, throws Error and changes nothing.
+    void createTable(std::u16string_view sql);
+    void createTable(const NewTable& table);
 
 private:
     PageFile file_;

@@ -34,6 +34,7 @@ inline constexpr std::size_t kPasswordOffset = 0x42;
 inline constexpr std::size_t kPasswordLength = 40;  // 20 UTF-16 units
 inline constexpr std::size_t kSortOrderOffset = 0x6e;
 inline constexpr std::size_t kCreationDateOffset = 0x72;  // double, also the password's second mask
+inline constexpr std::uint16_t kCodePageWestern = 1252;
 }  // namespace header
 
 inline constexpr std::uint8_t kVersionJet3 = 0x00;
@@ -55,9 +56,12 @@ inline constexpr std::uint16_t kRowOffsetMask = 0x1fff;
 
 // Table definition pages (type 0x02), possibly chained.
 namespace tdef {
+inline constexpr std::size_t kFreeSpaceOffset = 2;  // bytes unused on this page, less 8
 inline constexpr std::size_t kNextPageOffset = 4;
 inline constexpr std::size_t kPageHeaderSize = 8;  // repeated on each page of a chain
-inline constexpr std::size_t kLengthOffset = 8;
+inline constexpr std::size_t kLengthOffset = 8;  // bytes of the whole definition, headers included
+inline constexpr std::size_t kMagicOffset = 12;   // kTableMagic
+inline constexpr std::size_t kAutoNumberFlagOffset = 24;  // Access sets it to 0x01
 inline constexpr std::size_t kRowCountOffset = 16;
 inline constexpr std::size_t kAutoNumberOffset = 20;
 inline constexpr std::size_t kTableTypeOffset = 40;
@@ -68,12 +72,14 @@ inline constexpr std::size_t kLogicalIndexCountOffset = 47;
 inline constexpr std::size_t kRealIndexCountOffset = 51;
 inline constexpr std::size_t kUsageMapOffset = 55;
 inline constexpr std::size_t kFreeSpaceMapOffset = 59;
+inline constexpr std::size_t kHeaderSize = 63;  // up to the per-index row counts
 inline constexpr std::size_t kRealIndexCountsOffset = 63;  // 12 bytes per real index
 inline constexpr std::size_t kRealIndexCountEntrySize = 12;
 inline constexpr std::size_t kRealIndexRowCountOffset = 4;
 
 inline constexpr std::size_t kColumnEntrySize = 25;
 inline constexpr std::size_t kColumnTypeOffset = 0;
+inline constexpr std::size_t kColumnMagicOffset = 1;  // kTableMagic
 inline constexpr std::size_t kColumnNumberOffset = 5;
 inline constexpr std::size_t kColumnVarIndexOffset = 7;
 inline constexpr std::size_t kColumnRowIndexOffset = 9;
@@ -87,16 +93,31 @@ inline constexpr std::size_t kColumnFixedOffsetOffset = 21;
 inline constexpr std::size_t kColumnLengthOffset = 23;
 
 inline constexpr std::size_t kRealIndexEntrySize = 52;
+inline constexpr std::size_t kRealIndexMagicOffset = 0;  // kRealIndexMagic
 inline constexpr std::size_t kRealIndexColumnsOffset = 4;  // 10 x (u16 column number, u8 order)
 inline constexpr std::size_t kRealIndexMaxColumns = 10;
 inline constexpr std::size_t kRealIndexUsageMapOffset = 34;
 inline constexpr std::size_t kRealIndexFirstPageOffset = 38;
 inline constexpr std::size_t kRealIndexFlagsOffset = 46;
+inline constexpr std::uint16_t kRealIndexNoColumn = 0xffff;
+inline constexpr std::uint8_t kRealIndexAscending = 0x01;
+inline constexpr std::uint8_t kRealIndexDescending = 0x02;
 
 inline constexpr std::size_t kLogicalIndexEntrySize = 28;
 inline constexpr std::size_t kLogicalIndexNumberOffset = 4;
 inline constexpr std::size_t kLogicalIndexRealIndexOffset = 8;
+inline constexpr std::size_t kLogicalIndexMagicOffset = 0;  // kTableMagic
+inline constexpr std::size_t kLogicalIndexRelatedIndexOffset = 13;  // -1 unless a foreign key
+// Two bytes that Access sets to 0x04 in every index that is no foreign key.
+inline constexpr std::size_t kLogicalIndexCascadeOffset = 21;
+inline constexpr std::uint8_t kLogicalIndexNoCascade = 0x04;
 inline constexpr std::size_t kLogicalIndexTypeOffset = 23;
+// After the index names: per long value column, its page maps; then this end mark.
+inline constexpr std::uint16_t kColumnMapsEnd = 0xffff;
+
+// Constants Access writes into every definition, column and index entry.
+inline constexpr std::uint32_t kTableMagic = 0x0659;
+inline constexpr std::uint32_t kRealIndexMagic = 0x0783;
 
 inline constexpr std::uint8_t kTableTypeUser = 0x4e;
 inline constexpr std::uint8_t kTableTypeSystem = 0x53;
@@ -115,6 +136,7 @@ inline constexpr std::uint8_t kColumnCompressedUnicode = 0x01;  // in the extra 
 inline constexpr std::uint8_t kIndexUnique = 0x01;
 inline constexpr std::uint8_t kIndexIgnoreNulls = 0x02;
 inline constexpr std::uint8_t kIndexRequired = 0x08;
+inline constexpr std::uint8_t kIndexAccessFlag = 0x80;  // set on every index Access 2000 writes
 inline constexpr std::uint8_t kIndexTypePrimaryKey = 0x01;
 inline constexpr std::uint8_t kIndexTypeForeignKey = 0x02;
 
@@ -156,5 +178,15 @@ inline constexpr std::size_t kPagesPerMapPage = (kPageSize - kMapPageBitmapOffse
 inline constexpr std::uint32_t kCatalogPage = 2;
 inline constexpr std::int16_t kObjectTypeTable = 1;
 inline constexpr std::uint32_t kObjectFlagsSystem = 0x80000002;
+inline constexpr std::int16_t kObjectTypeDatabase = 2;   // MSysDb, the database's own entry
+inline constexpr std::int16_t kObjectTypeContainer = 3;  // Tables, Databases, Relationships
+inline constexpr std::uint32_t kObjectFlagsSystemObject = 0x80000000;  // what Access gives MSys*
+// Ids of the catalog's fixed objects: the root of the containers, the
+// containers, and the database entry.
+inline constexpr std::int32_t kRootContainerId = 0x0f000000;
+inline constexpr std::int32_t kTablesContainerId = 0x0f000001;
+inline constexpr std::int32_t kDatabasesContainerId = 0x0f000002;
+inline constexpr std::int32_t kRelationshipsContainerId = 0x0f000003;
+inline constexpr std::int32_t kDatabaseObjectId = 0x10000000;
 
 }  // namespace jet::format

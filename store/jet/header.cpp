@@ -6,6 +6,7 @@
 #include "bytes.h"
 #include "error.h"
 #include "format.h"
+#include "header_builder.h"
 #include "page_file.h"
 #include "rc4.h"
 
@@ -69,11 +70,7 @@ DatabaseHeader readHeader(const PageFile& file) {
 
     // Jet 4 masks the password a second time with the creation date's whole
     // days, taken as a 32-bit number.
-    const double days = header.created.oleDays;
-    const std::uint32_t dateMask =
-        (days > -2147483648.0 && days < 2147483648.0)
-            ? static_cast<std::uint32_t>(static_cast<std::int32_t>(days))
-            : 0;
+    const std::uint32_t dateMask = passwordDateMask(header.created);
     std::u16string password;
     for (std::size_t i = 0; i < h::kPasswordLength; i += 2) {
         const auto maskByte = [&](std::size_t k) {
