@@ -172,6 +172,7 @@ inline constexpr std::uint8_t kInlineMap = 0x00;     // u32 first page, then the
 inline constexpr std::uint8_t kReferenceMap = 0x01;  // u32 pointers to usage map pages
 inline constexpr std::size_t kMapPageBitmapOffset = 4;
 inline constexpr std::size_t kPagesPerMapPage = (kPageSize - kMapPageBitmapOffset) * 8;
+inline constexpr std::uint32_t kFreePagesMap = 1u << 8;  // row 0 of page 1: set bit = free page
 }  // namespace usage
 
 // The catalog: the system table MSysObjects, whose definition is on page 2.

@@ -12,8 +12,12 @@ namespace {
 
 namespace u = format::usage;
 
+// Pages past the end of the file: an error in a table's map; in the map of
+// free pages, which covers a window wider than the file, they are left out.
+enum class BeyondEnd { Damage, Skip };
+
 void collectBits(ByteView bitmap, std::uint64_t firstPage, std::uint32_t pageCount,
-                 std::uint32_t mapPointer, std::vector<std::uint32_t>& pages) {
+                 std::uint32_t mapPointer, BeyondEnd beyondEnd, std::vector<std::uint32_t>& pages) {
     for (std::size_t byte = 0; byte < bitmap.size(); ++byte) {
         const std::uint8_t bits = bitmap.u8(byte);
         if (bits == 0) continue;
@@ -21,6 +25,7 @@ void collectBits(ByteView bitmap, std::uint64_t firstPage, std::uint32_t pageCou
             if ((bits & (1u << bit)) == 0) continue;
             const std::uint64_t page = firstPage + byte * 8 + static_cast<unsigned>(bit);
             if (page >= pageCount) {
+                if (beyondEnd == BeyondEnd::Skip) return;
                 throw Error("the usage map in row " + std::to_string(pointerRow(mapPointer)) +
                             " of page " + std::to_string(pointerPage(mapPointer)) +
                             " names page " + std::to_string(page) + ", beyond the end of the " +
@@ -31,9 +36,7 @@ void collectBits(ByteView bitmap, std::uint64_t firstPage, std::uint32_t pageCou
     }
 }
 
-}  // namespace
-
-std::vector<std::uint32_t> readUsageMap(const PageSource& file, std::uint32_t pointer) {
+std::vector<std::uint32_t> readMap(const PageSource& file, std::uint32_t pointer, BeyondEnd beyondEnd) {
     const std::uint32_t pageCount = file.pageCount();
     Page page{};
     file.read(pointerPage(pointer), page);
@@ -48,13 +51,16 @@ std::vector<std::uint32_t> readUsageMap(const PageSource& file, std::uint32_t po
     std::vector<std::uint32_t> pages;
     switch (map.u8(0)) {
         case u::kInlineMap:
-            collectBits(map.from(5), map.u32(1), pageCount, pointer, pages);
+            collectBits(map.from(5), map.u32(1), pageCount, pointer, beyondEnd, pages);
             break;
         case u::kReferenceMap: {
             Page bitmapPage{};
             for (std::size_t k = 0; 1 + 4 * (k + 1) <= map.size(); ++k) {
                 const std::uint32_t bitmapPageNumber = map.u32(1 + 4 * k);
                 if (bitmapPageNumber == 0) continue;
+                // Access ends the free-page map of a larger file with a word
+                // that is no page (0xffffff80 seen); only real pages count.
+                if (beyondEnd == BeyondEnd::Skip && bitmapPageNumber >= pageCount) continue;
                 file.read(bitmapPageNumber, bitmapPage);
                 if (bitmapPage[0] != format::kPageUsageMap) {
                     throw Error("page " + std::to_string(bitmapPageNumber) +
@@ -64,7 +70,7 @@ std::vector<std::uint32_t> readUsageMap(const PageSource& file, std::uint32_t po
                 const ByteView bitmap(bitmapPage.data() + u::kMapPageBitmapOffset,
                                       bitmapPage.size() - u::kMapPageBitmapOffset);
                 collectBits(bitmap, static_cast<std::uint64_t>(k) * u::kPagesPerMapPage, pageCount,
-                            pointer, pages);
+                            pointer, beyondEnd, pages);
             }
             break;
         }
@@ -74,6 +80,16 @@ std::vector<std::uint32_t> readUsageMap(const PageSource& file, std::uint32_t po
                         " is of unknown kind " + std::to_string(map.u8(0)));
     }
     return pages;
+}
+
+}  // namespace
+
+std::vector<std::uint32_t> readUsageMap(const PageSource& file, std::uint32_t pointer) {
+    return readMap(file, pointer, BeyondEnd::Damage);
+}
+
+std::vector<std::uint32_t> readFreePages(const PageSource& file) {
+    return readMap(file, format::usage::kFreePagesMap, BeyondEnd::Skip);
 }
 
 }  // namespace jet

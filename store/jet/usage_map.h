@@ -14,4 +14,9 @@ class PageSource;
 // damage and throw Error.
 std::vector<std::uint32_t> readUsageMap(const PageSource& file, std::uint32_t pointer);
 
+// The pages that the database's map of free pages marks free, in ascending
+// order; a set bit means free, and the pages of its window past the end of
+// the file are left out.
+std::vector<std::uint32_t> readFreePages(const PageSource& file);
+
 }  // namespace jet

@@ -14,7 +14,7 @@ namespace {
 
 namespace u = format::usage;
 
-constexpr std::uint32_t kGlobalMapPointer = 1u << 8;  // row 0 of page 1
+constexpr std::uint32_t kGlobalMapPointer = format::usage::kFreePagesMap;
 
 // The bytes of the map row, inside the statement's copy of its page.
 struct MapRow {

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "store/jet/database.h"
+#include "store/jet/integrity_check.h"
 #include "store/jet/text.h"
 #include "tests/store/jet/test_files.h"
 #include "tools/mdb_export_format.h"
@@ -212,6 +213,7 @@ void runRandomWrites(const std::filesystem::path& fixture, std::u16string_view t
         const TableDefinition table = reopened.table(tableName);
         expectSameRows(table, model, scanWithIds(reopened, table), where);
         EXPECT_EQ(table.rowCount, model.size()) << where;
+        EXPECT_EQ(checkIntegrity(reopened.file()), std::vector<std::string>{}) << where;
         if (::testing::Test::HasFatalFailure()) return;
         if (batch % 10 == 9 || batch == batches - 1) expectMdbExportReadsTheSame(file, table, model);
     }

@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "store/jet/database.h"
+#include "store/jet/integrity_check.h"
 #include "store/jet/journal.h"
 #include "store/jet/row_decoder.h"
 #include "store/jet/row_encoder.h"
@@ -171,6 +172,7 @@ TEST(TableWriter, InsertUpdateDeleteReadBackThroughBothReaders) {
     const Database reopened(file);
     EXPECT_EQ(readAll(reopened, u"IZINLER"), expected);
     EXPECT_EQ(reopened.table(u"IZINLER").rowCount, expected.size());
+    EXPECT_EQ(checkIntegrity(reopened.file()), std::vector<std::string>{});
     expectMdbExportAgrees(file, u"IZINLER");
     EXPECT_EQ(runCommand(shellQuote(MDB_EXPORT_EXECUTABLE) + " " + shellQuote(file) + " ORNEK"), ornekBefore);
     EXPECT_FALSE(std::filesystem::exists(RollbackJournal::journalPath(file)));
@@ -306,6 +308,8 @@ TEST(CrashSafety, KilledAtEveryWriteTheStatementIsAllOrNothing) {
             const std::size_t rows = readAll(recovered, u"test").size();
             EXPECT_TRUE(rows == rowsBefore || rows == rowsBefore + 60) << "after " << writes << " writes";
             EXPECT_EQ(recovered.table(u"test").rowCount, rows);
+            EXPECT_EQ(checkIntegrity(recovered.file()), std::vector<std::string>{})
+                << "after " << writes << " writes";
             if (!killed) {
                 EXPECT_EQ(rows, rowsBefore + 60);
             }
