@@ -12,6 +12,7 @@
 #include "store/jet/error.h"
 #include "store/jet/format.h"
 #include "store/jet/index_page.h"
+#include "store/jet/integrity_check.h"
 #include "store/jet/text.h"
 #include "tests/store/jet/test_files.h"
 #include "tools/mdb_export_format.h"
@@ -205,6 +206,7 @@ TEST(CreateTable, TmpMenuAndDuplicates) {
     }
     try {
         database.createTable(u"create table tmpMenu (x long)");
+        ADD_FAILURE() << "a second TMPMENU was made";
     } catch (const Error& error) {
         EXPECT_NE(std::string(error.what()).find("TMPMENU exists"), std::string::npos)
             << error.what();
@@ -265,6 +267,70 @@ TEST(CreateTable, IntoFilesOfAccessAndTheKvlDatabase) {
         if (!tmpBefore.empty()) {
             EXPECT_EQ(mdbTool("mdb-export", quoted + " TMP"), tmpBefore);
         }
+    }
+}
+
+// The month menu print empties TMPMENU and fills it with one row a day:
+// weekday names in the fixed GUN column, meals as lines joined by CR LF.
+TEST(CreateTable, TmpMenuFilledAndRefilledMonthByMonth) {
+    SKIP_WITHOUT_FIXTURES();
+    testing::TempDir dir;
+    const std::string path = (dir.path() / "kvl.mdb").string();
+    std::filesystem::copy_file(testing::fixturesDir() / "kvl" / "kvl.mdb", path);
+    const std::u16string weekdays[] = {u"Pazar", u"Pazartesi", u"Salı", u"Çarşamba",
+                                       u"Perşembe", u"Cuma", u"Cumartesi"};
+    const auto month = [&](int first, int days) {
+        std::vector<std::vector<Value>> rows;
+        for (int day = 0; day < days; ++day) {
+            const double date = 46000 + first + day;
+            const std::u16string n = fromUtf8(std::to_string(day + 1));
+            rows.push_back({Value::date(Date{date}),
+                            Value::text(weekdays[(static_cast<int>(date) + 6) % 7]),
+                            Value::text(u"PEYNİR\r\nZEYTİN\r\nÇAY " + n),
+                            Value::text(u"MERCİMEK ÇORBASI\r\nTAVUK SOTE\r\nPİRİNÇ PİLAVI\r\nAYRAN"),
+                            Value::text(u"\r\nIZGARA KÖFTE\r\nŞEHRİYE " + n),
+                            day % 3 == 0 ? Value() : Value::text(u"KEK,SÜT")});
+        }
+        return rows;
+    };
+    std::vector<std::vector<Value>> last;
+    {
+        Database database(path, PageFile::Mode::ReadWrite);
+        database.createTable(kTmpMenu);
+        for (int print = 0; print < 12; ++print) {
+            std::vector<RowId> old;
+            TableCursor cursor = database.scan(database.table(u"TMPMENU"));
+            while (cursor.next()) old.push_back(cursor.rowId());
+            database.deleteRows(u"TMPMENU", old);
+            // The last fill is a long one: a few hundred rows at once.
+            last = month(print * 31, print == 11 ? 300 : 28 + print % 4);
+            database.insertRows(u"TMPMENU", last);
+        }
+        // The unique constraint holds over all six columns.
+        EXPECT_THROW(database.insertRows(u"TMPMENU", {last[3]}), Error);
+    }
+    const Database database(path);
+    EXPECT_EQ(checkIntegrity(database.file()), std::vector<std::string>{});
+    const TableDefinition table = database.table(u"TMPMENU");
+    TableCursor cursor = database.scan(table);
+    std::vector<Value> values;
+    std::string ours;
+    appendMdbExportHeader(ours, table);
+    for (const auto& row : last) {
+        ASSERT_TRUE(cursor.next());
+        cursor.values(values);
+        // CHAR keeps its full 255 characters, padded with spaces.
+        std::u16string padded = row[1].asText();
+        padded.resize(255, u' ');
+        EXPECT_EQ(values[1], Value::text(padded));
+        EXPECT_EQ(values[0], row[0]);
+        EXPECT_EQ(values[2], row[2]);
+        EXPECT_EQ(values[5], row[5]);
+        appendMdbExportRow(ours, table, values);
+    }
+    EXPECT_FALSE(cursor.next());
+    if (haveMdbTools()) {
+        EXPECT_EQ(mdbTool("mdb-export", shellQuote(path) + " TMPMENU"), ours);
     }
 }
 
