@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <functional>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -267,25 +268,13 @@ TEST(TableWriter, RefusalsLeaveTheFileUnchanged) {
     EXPECT_TRUE(testing::readFileBytes(file) == before);
 }
 
-// A child process writes one statement and is killed before its n-th write,
-// for every n until the statement completes. Each time the file must open,
-// read whole, and hold all of the statement or none of it.
-TEST(CrashSafety, KilledAtEveryWriteTheStatementIsAllOrNothing) {
-    SKIP_WITHOUT_FIXTURES();
-    testing::TempDir dir;
-    const std::string original = copyFixture(dir, "access/fixedNumericTestV2000.mdb");
-    const std::string file = (dir.path() / "work.mdb").string();
-    std::u16string memo;
-    for (int i = 0; i < 400; ++i) memo += u"Kuru fasulye, pilav, turşu\n";
-    const auto workload = [&](Database& database) {
-        std::vector<std::vector<Value>> rows;
-        for (int i = 0; i < 60; ++i) {
-            rows.push_back({Value::text(i % 3 == 0 ? memo : u"satır " + fromUtf8(std::to_string(i))),
-                            Value(), Value(), Value(), Value(), Value(), Value()});
-        }
-        database.insertRows(u"test", rows);
-    };
-    const std::size_t rowsBefore = readAll(Database(original), u"test").size();
+// A child process runs `work`, one write statement, and is killed before its
+// n-th write, for every n until the statement completes. Each time the file
+// must open, pass the integrity check, and hold all of the statement or none
+// of it, as `outcome` tells: 0 none, 1 all, anything else a part.
+void crashAtEveryWrite(const std::string& original, const std::string& file,
+                       const std::function<void(Database&)>& work,
+                       const std::function<int(const Database&)>& outcome) {
     int crashes = 0;
     for (long writes = 0;; ++writes) {
         std::filesystem::copy_file(original, file, std::filesystem::copy_options::overwrite_existing);
@@ -294,7 +283,7 @@ TEST(CrashSafety, KilledAtEveryWriteTheStatementIsAllOrNothing) {
         if (child == 0) {
             Database database(file, PageFile::Mode::ReadWrite);
             setCrashAfterWrites(writes);
-            workload(database);
+            work(database);
             ::_exit(0);
         }
         int status = 0;
@@ -305,20 +294,83 @@ TEST(CrashSafety, KilledAtEveryWriteTheStatementIsAllOrNothing) {
             // Opening for writing rolls back what the dead writer left.
             const Database recovered(file, PageFile::Mode::ReadWrite);
             EXPECT_FALSE(std::filesystem::exists(RollbackJournal::journalPath(file)));
-            const std::size_t rows = readAll(recovered, u"test").size();
-            EXPECT_TRUE(rows == rowsBefore || rows == rowsBefore + 60) << "after " << writes << " writes";
-            EXPECT_EQ(recovered.table(u"test").rowCount, rows);
             EXPECT_EQ(checkIntegrity(recovered.file()), std::vector<std::string>{})
                 << "after " << writes << " writes";
-            if (!killed) {
-                EXPECT_EQ(rows, rowsBefore + 60);
-            }
+            EXPECT_EQ(outcome(recovered), killed ? 0 : 1) << "after " << writes << " writes";
         }
         if (!killed) break;
         ++crashes;
-        ASSERT_LT(writes, 500) << "the workload never completes";
+        ASSERT_LT(writes, 2000) << "the workload never completes";
     }
-    EXPECT_GT(crashes, 20);
+    EXPECT_GT(crashes, 10) << "too few writes to test";
+}
+
+TEST(CrashSafety, LongValuesInsertedAllOrNothing) {
+    SKIP_WITHOUT_FIXTURES();
+    testing::TempDir dir;
+    const std::string original = copyFixture(dir, "access/fixedNumericTestV2000.mdb");
+    std::u16string memo;
+    for (int i = 0; i < 400; ++i) memo += u"Kuru fasulye, pilav, turşu\n";
+    const std::size_t before = readAll(Database(original), u"test").size();
+    crashAtEveryWrite(
+        original, (dir.path() / "work.mdb").string(),
+        [&](Database& database) {
+            std::vector<std::vector<Value>> rows;
+            for (int i = 0; i < 60; ++i) {
+                rows.push_back({Value::text(i % 3 == 0 ? memo : u"satır " + fromUtf8(std::to_string(i))),
+                                Value(), Value(), Value(), Value(), Value(), Value()});
+            }
+            database.insertRows(u"test", rows);
+        },
+        [&](const Database& database) {
+            const std::size_t rows = readAll(database, u"test").size();
+            EXPECT_EQ(database.table(u"test").rowCount, rows);
+            return rows == before ? 0 : rows == before + 60 ? 1 : -1;
+        });
+}
+
+// The meal log's primary key and date index split pages as rows arrive.
+TEST(CrashSafety, IndexedRowsInsertedAllOrNothing) {
+    SKIP_WITHOUT_FIXTURES();
+    testing::TempDir dir;
+    const std::string original = copyFixture(dir, "kvl/kvl.mdb");
+    const std::size_t before = readAll(Database(original), u"YEMEK").size();
+    crashAtEveryWrite(
+        original, (dir.path() / "work.mdb").string(),
+        [&](Database& database) {
+            std::vector<std::vector<Value>> rows;
+            for (int i = 0; i < 700; ++i) {
+                rows.push_back({Value(), Value::integer(1 + i % 28), Value::integer(12),
+                                Value::text(u"2026"), Value::date(Date{46357.0 + i % 28}),
+                                Value::text(u"12:10:00"), Value::text(u"Öğle yemeği"),
+                                Value::integer(1), Value(), Value::text(u"10A"),
+                                Value::integer(100 + i), Value::text(u"Şükrü"), Value::text(u"Işık")});
+            }
+            database.insertRows(u"YEMEK", rows);
+        },
+        [&](const Database& database) {
+            const std::size_t rows = readAll(database, u"YEMEK").size();
+            return rows == before ? 0 : rows == before + 700 ? 1 : -1;
+        });
+}
+
+TEST(CrashSafety, CreateTableAllOrNothing) {
+    SKIP_WITHOUT_FIXTURES();
+    testing::TempDir dir;
+    const std::string original = copyFixture(dir, "kvl/kvl.mdb");
+    const std::size_t tablesBefore = Database(original).userTableNames().size();
+    crashAtEveryWrite(
+        original, (dir.path() / "work.mdb").string(),
+        [](Database& database) {
+            database.createTable(
+                u"CREATE TABLE TMPMENU (TARIH DATETIME, GUN CHAR, SABAH MEMO, OGLE MEMO, AKSAM "
+                u"MEMO, ARA_OGUN MEMO, CONSTRAINT MyTableConstraint UNIQUE (TARIH, GUN, SABAH, "
+                u"OGLE, AKSAM, ARA_OGUN));");
+        },
+        [&](const Database& database) {
+            const std::size_t tables = database.userTableNames().size();
+            return tables == tablesBefore ? 0 : tables == tablesBefore + 1 ? 1 : -1;
+        });
 }
 
 // Two processes insert into one file at the same time; every row of both arrives.
