@@ -195,7 +195,8 @@ struct CharacterTable {
                 latin[letter.lower] = key;
         }
         std::uint8_t code = kFirstControlCode;
-        for (char16_t c = 0; c < latin.size(); ++c) {
+        for (std::size_t index = 0; index < latin.size(); ++index) {
+            const auto c = static_cast<char16_t>(index);
             if (!isHiddenControl(c))
                 continue;
             CharacterKey key;

@@ -105,22 +105,6 @@ void putFixed(Bytes& out, std::size_t at, const Column& column, const Value& val
     }
 }
 
-// Bytes of a number column's value; 0 for the other kinds.
-std::size_t storedNumberSize(ColumnType type) {
-    switch (type) {
-        case ColumnType::Byte: return 1;
-        case ColumnType::Integer: return 2;
-        case ColumnType::LongInteger:
-        case ColumnType::Single: return 4;
-        case ColumnType::Currency:
-        case ColumnType::Double:
-        case ColumnType::DateTime: return 8;
-        case ColumnType::ReplicationId: return 16;
-        case ColumnType::Decimal: return 17;
-        default: return 0;
-    }
-}
-
 Bytes variableBytes(const Column& column, const Value& value, const LongValueStore& store) {
     switch (column.type) {
         case ColumnType::Text: {
@@ -149,8 +133,8 @@ Bytes variableBytes(const Column& column, const Value& value, const LongValueSto
         default: {
             // A number whose column lacks the fixed flag (some system tables
             // have such columns) is kept in the variable part at its usual size.
-            const std::size_t size = storedNumberSize(column.type);
-            if (size == 0) refuse(column, "this kind of column cannot be written");
+            const std::size_t size = fixedValueSize(column.type);
+            if (size == 0 || column.type == ColumnType::Boolean) refuse(column, "this kind of column cannot be written");
             Bytes stored(size, 0);
             putFixed(stored, 0, column, value);
             return stored;

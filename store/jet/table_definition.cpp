@@ -51,6 +51,22 @@ std::u16string readName(ByteView bytes, std::size_t& cursor) {
 
 }  // namespace
 
+std::uint16_t fixedValueSize(ColumnType type) {
+    switch (type) {
+        case ColumnType::Boolean:
+        case ColumnType::Byte: return 1;
+        case ColumnType::Integer: return 2;
+        case ColumnType::LongInteger:
+        case ColumnType::Single: return 4;
+        case ColumnType::Currency:
+        case ColumnType::Double:
+        case ColumnType::DateTime: return 8;
+        case ColumnType::ReplicationId: return 16;
+        case ColumnType::Decimal: return 17;
+        default: return 0;
+    }
+}
+
 std::string columnTypeName(ColumnType type) {
     switch (type) {
         case ColumnType::Boolean: return "Boolean";

@@ -28,6 +28,11 @@ enum class ColumnType : std::uint8_t {
 // The Access name of a column type, such as "Long Integer"; for messages.
 std::string columnTypeName(ColumnType type);
 
+// The bytes of a value of a fixed-size type, which is also the column's
+// length in its definition (a Boolean's 1 included); 0 for the kinds whose
+// values vary in length: text, memo, OLE, binary.
+std::uint16_t fixedValueSize(ColumnType type);
+
 struct Column {
     std::u16string name;
     ColumnType type = ColumnType::Text;

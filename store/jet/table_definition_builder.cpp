@@ -56,34 +56,6 @@ void appendName(Bytes& out, const std::u16string& name) {
         append16(out, c);
 }
 
-// The size in a row's fixed part of a column of that type; 0: variable.
-std::uint16_t fixedSize(ColumnType type) {
-    switch (type) {
-        case ColumnType::Boolean:
-            return 1;
-        case ColumnType::Byte:
-            return 1;
-        case ColumnType::Integer:
-            return 2;
-        case ColumnType::LongInteger:
-            return 4;
-        case ColumnType::Currency:
-            return 8;
-        case ColumnType::Single:
-            return 4;
-        case ColumnType::Double:
-            return 8;
-        case ColumnType::DateTime:
-            return 8;
-        case ColumnType::ReplicationId:
-            return 16;
-        case ColumnType::Decimal:
-            return 17;
-        default:
-            return 0;
-    }
-}
-
 // The definition's bytes as the reader joins them: the first page's header
 // included, the following pages' headers left out.
 Bytes encodeDefinition(const TableDefinition& table) {
@@ -236,7 +208,7 @@ TableDefinition layOutTable(const NewTable& spec) {
             case ColumnType::Ole:
                 break;
             default:
-                column.length = fixedSize(source.type);
+                column.length = fixedValueSize(source.type);
                 if (column.length == 0)
                     refuse(spec, "column " + toUtf8(source.name) + " has an unknown type");
                 break;
@@ -249,7 +221,7 @@ TableDefinition layOutTable(const NewTable& spec) {
             column.flags |= format::kColumnAutoLong;
         }
         const bool fixed =
-            fixedSize(source.type) != 0 ||
+            fixedValueSize(source.type) != 0 ||
             ((source.type == ColumnType::Text || source.type == ColumnType::Binary) &&
              source.fixedLength);
         if (fixed) {
