@@ -28,18 +28,6 @@ int makeDemo(const std::filesystem::path& folder, const std::string& arguments) 
     return status;
 }
 
-std::vector<std::vector<Value>> rowsOf(const Database& database, std::u16string_view name) {
-    const TableDefinition table = database.table(name);
-    std::vector<std::vector<Value>> rows;
-    TableCursor cursor = database.scan(table);
-    std::vector<Value> values;
-    while (cursor.next()) {
-        cursor.values(values);
-        rows.push_back(values);
-    }
-    return rows;
-}
-
 std::vector<std::u16string> columnNames(const TableDefinition& table) {
     std::vector<std::u16string> names;
     for (const Column& column : table.columns) names.push_back(column.name);
@@ -75,14 +63,14 @@ TEST(MakeDemo, SchoolDatabaseAsTheProgramsExpectIt) {
     ASSERT_EQ(meals.indexes.size(), 2u);
     EXPECT_TRUE(meals.indexes[0].isPrimaryKey());
 
-    EXPECT_EQ(rowsOf(database, u"ORNEK").size(), 300u);
-    EXPECT_EQ(rowsOf(database, u"AYAR").size(), 1u);
-    const auto tally = rowsOf(database, u"TMP");
+    EXPECT_EQ(testing::readRows(database, u"ORNEK").size(), 300u);
+    EXPECT_EQ(testing::readRows(database, u"AYAR").size(), 1u);
+    const auto tally = testing::readRows(database, u"TMP");
     ASSERT_EQ(tally.size(), 31u);
     for (int day = 1; day <= 31; ++day) EXPECT_EQ(tally[day - 1][0], Value::integer(day));
 
     // Menus: four rows a day, in day order.
-    const auto menus = rowsOf(database, u"MENULER");
+    const auto menus = testing::readRows(database, u"MENULER");
     ASSERT_FALSE(menus.empty());
     ASSERT_EQ(menus.size() % 4, 0u);
     for (std::size_t i = 0; i < menus.size(); i += 4) {
@@ -94,7 +82,7 @@ TEST(MakeDemo, SchoolDatabaseAsTheProgramsExpectIt) {
     // The meal log: the gate program's three names, day students and boarders.
     std::set<std::u16string> mealNames;
     std::set<std::int32_t> kinds;
-    for (const auto& meal : rowsOf(database, u"YEMEK")) {
+    for (const auto& meal : testing::readRows(database, u"YEMEK")) {
         mealNames.insert(meal[6].asText());
         kinds.insert(meal[7].asInteger());
     }

@@ -39,18 +39,6 @@ Dump dumpWithOurReader(const Database& database, const std::u16string& name) {
     return dump;
 }
 
-std::multiset<std::string> linesOf(const std::string& text) {
-    std::multiset<std::string> lines;
-    std::size_t start = 0;
-    while (start < text.size()) {
-        const std::size_t end = text.find('\n', start);
-        lines.insert(text.substr(start, end - start));
-        if (end == std::string::npos) break;
-        start = end + 1;
-    }
-    return lines;
-}
-
 bool haveMdbTools() { return std::filesystem::exists(MDB_EXPORT_EXECUTABLE); }
 
 std::string mdbExport(const std::filesystem::path& file, const std::string& table) {
@@ -85,8 +73,8 @@ TEST(FixtureDump, EveryTableOfEveryFixtureMatchesMdbExport) {
                 ++exact;
                 continue;
             }
-            const std::multiset<std::string> ourLines = linesOf(ours.csv);
-            const std::multiset<std::string> theirLines = linesOf(theirs);
+            const std::multiset<std::string> ourLines = testing::csvRecords(ours.csv);
+            const std::multiset<std::string> theirLines = testing::csvRecords(theirs);
             EXPECT_TRUE(std::includes(ourLines.begin(), ourLines.end(), theirLines.begin(),
                                       theirLines.end()));
             ++withMovedRows;

@@ -134,17 +134,6 @@ std::size_t expectIndexesHoldRows(const PageSource& file, const TableDefinition&
     return pages;
 }
 
-std::multiset<std::string> lines(const std::string& text) {
-    std::multiset<std::string> out;
-    std::size_t start = text.find('\n');  // after the header
-    while (start != std::string::npos && start + 1 < text.size()) {
-        const std::size_t end = text.find('\n', start + 1);
-        out.insert(text.substr(start + 1, end - start - 1));
-        start = end;
-    }
-    return out;
-}
-
 // mdb-export reads the same rows as we do (as a multiset: it may list moved
 // rows elsewhere).
 void expectMdbExportReads(const fs::path& path, const PageSource& file,
@@ -158,7 +147,7 @@ void expectMdbExportReads(const fs::path& path, const PageSource& file,
     const std::string theirs = testing::runCommand(testing::shellQuote(MDB_EXPORT_EXECUTABLE) +
                                                    " " + testing::shellQuote(path.string()) + " " +
                                                    testing::shellQuote(toUtf8(table.name)));
-    EXPECT_EQ(lines(theirs), lines(ours)) << "mdb-export reads other rows";
+    EXPECT_EQ(testing::csvRecords(theirs), testing::csvRecords(ours)) << "mdb-export reads other rows";
 }
 
 // A copy of a fixture to write to.

@@ -137,23 +137,6 @@ void expectSameRows(const TableDefinition& table, std::vector<ModelRow>& model,
     }
 }
 
-std::multiset<std::string> csvLines(const std::string& csv) {
-    std::multiset<std::string> lines;
-    std::size_t start = 0;
-    while (start < csv.size()) {
-        // Values may hold line breaks inside quotes: split only outside them.
-        std::size_t end = start;
-        bool quoted = false;
-        while (end < csv.size() && (quoted || csv[end] != '\n')) {
-            if (csv[end] == '"') quoted = !quoted;
-            ++end;
-        }
-        lines.insert(csv.substr(start, end - start));
-        start = end + 1;
-    }
-    return lines;
-}
-
 void expectMdbExportReadsTheSame(const std::string& file, const TableDefinition& table,
                                  const std::vector<ModelRow>& rows) {
     std::string ours;
@@ -161,7 +144,7 @@ void expectMdbExportReadsTheSame(const std::string& file, const TableDefinition&
     for (const ModelRow& row : rows) appendMdbExportRow(ours, table, row.values);
     const std::string theirs = runCommand(shellQuote(MDB_EXPORT_EXECUTABLE) + " " + shellQuote(file) +
                                           " " + shellQuote(toUtf8(table.name)));
-    EXPECT_TRUE(csvLines(ours) == csvLines(theirs)) << toUtf8(table.name);
+    EXPECT_TRUE(testing::csvRecords(ours) == testing::csvRecords(theirs)) << toUtf8(table.name);
 }
 
 void runRandomWrites(const std::filesystem::path& fixture, std::u16string_view tableName,

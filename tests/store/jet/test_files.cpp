@@ -80,4 +80,32 @@ void writeFileBytes(const std::filesystem::path& path, const std::vector<unsigne
               static_cast<std::streamsize>(bytes.size()));
 }
 
+std::vector<std::vector<Value>> readRows(const Database& database, std::u16string_view name) {
+    const TableDefinition table = database.table(name);
+    std::vector<std::vector<Value>> rows;
+    TableCursor cursor = database.scan(table);
+    std::vector<Value> values;
+    while (cursor.next()) {
+        cursor.values(values);
+        rows.push_back(values);
+    }
+    return rows;
+}
+
+std::multiset<std::string> csvRecords(const std::string& csv) {
+    std::multiset<std::string> records;
+    std::size_t start = 0;
+    while (start < csv.size()) {
+        std::size_t end = start;
+        bool quoted = false;
+        while (end < csv.size() && (quoted || csv[end] != '\n')) {
+            if (csv[end] == '"') quoted = !quoted;
+            ++end;
+        }
+        records.insert(csv.substr(start, end - start));
+        start = end + 1;
+    }
+    return records;
+}
+
 }  // namespace jet::testing

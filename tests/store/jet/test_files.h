@@ -1,10 +1,14 @@
 #pragma once
 
 #include <filesystem>
+#include <set>
+#include <string_view>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include "store/jet/database.h"
 
 namespace jet::testing {
 
@@ -40,6 +44,13 @@ public:
 private:
     std::filesystem::path path_;
 };
+
+// Every row of the table, in stored order.
+std::vector<std::vector<Value>> readRows(const Database& database, std::u16string_view table);
+
+// The records of a CSV text as a multiset: for comparing dumps whose row
+// order may differ. Line breaks inside quoted values stay in their record.
+std::multiset<std::string> csvRecords(const std::string& csv);
 
 std::vector<unsigned char> readFileBytes(const std::filesystem::path& path);
 void writeFileBytes(const std::filesystem::path& path, const std::vector<unsigned char>& bytes);

@@ -38,35 +38,12 @@ std::string copyFixture(const testing::TempDir& dir, const std::filesystem::path
     return target.string();
 }
 
-std::vector<std::vector<Value>> readAll(const Database& database, std::u16string_view name) {
-    const TableDefinition table = database.table(name);
-    std::vector<std::vector<Value>> rows;
-    TableCursor cursor = database.scan(table);
-    std::vector<Value> values;
-    while (cursor.next()) {
-        cursor.values(values);
-        rows.push_back(values);
-    }
-    return rows;
-}
-
 std::string ourCsv(const Database& database, std::u16string_view name) {
     const TableDefinition table = database.table(name);
     std::string out;
     appendMdbExportHeader(out, table);
-    for (const auto& row : readAll(database, name)) appendMdbExportRow(out, table, row);
+    for (const auto& row : testing::readRows(database, name)) appendMdbExportRow(out, table, row);
     return out;
-}
-
-std::multiset<std::string> lines(const std::string& text) {
-    std::multiset<std::string> result;
-    std::size_t start = 0;
-    while (start < text.size()) {
-        const std::size_t end = text.find('\n', start);
-        result.insert(text.substr(start, end - start));
-        start = end == std::string::npos ? text.size() : end + 1;
-    }
-    return result;
 }
 
 // mdbtools reads the same rows (in its own order where rows were moved).
@@ -74,7 +51,7 @@ void expectMdbExportAgrees(const std::string& file, std::u16string_view table) {
     const Database database(file);
     const std::string theirs = runCommand(shellQuote(MDB_EXPORT_EXECUTABLE) + " " + shellQuote(file) + " " +
                                           shellQuote(toUtf8(table)) + " 2>/dev/null");
-    EXPECT_EQ(lines(ourCsv(database, table)), lines(theirs)) << toUtf8(table);
+    EXPECT_EQ(testing::csvRecords(ourCsv(database, table)), testing::csvRecords(theirs)) << toUtf8(table);
 }
 
 std::vector<Value> permit(int number, std::u16string surname) {
@@ -152,7 +129,7 @@ TEST(TableWriter, InsertUpdateDeleteReadBackThroughBothReaders) {
     std::vector<std::vector<Value>> expected;
     {
         Database database(file, PageFile::Mode::ReadWrite);
-        expected = readAll(database, u"IZINLER");
+        expected = testing::readRows(database, u"IZINLER");
         std::vector<std::vector<Value>> added;
         for (int i = 0; i < 400; ++i) added.push_back(permit(5000 + i, u"Işıkçı-" + fromUtf8(std::to_string(i))));
         const std::vector<RowId> ids = database.insertRows(u"IZINLER", added);
@@ -171,7 +148,7 @@ TEST(TableWriter, InsertUpdateDeleteReadBackThroughBothReaders) {
         expected.erase(expected.begin() + static_cast<long>(first + 1));
     }
     const Database reopened(file);
-    EXPECT_EQ(readAll(reopened, u"IZINLER"), expected);
+    EXPECT_EQ(testing::readRows(reopened, u"IZINLER"), expected);
     EXPECT_EQ(reopened.table(u"IZINLER").rowCount, expected.size());
     EXPECT_EQ(checkIntegrity(reopened.file()), std::vector<std::string>{});
     expectMdbExportAgrees(file, u"IZINLER");
@@ -213,7 +190,7 @@ TEST(TableWriter, RowsReinsertedComeLastInInsertionOrder) {
     database.insertRows(u"MENULER", month);
     std::vector<std::vector<Value>> expected = others;
     expected.insert(expected.end(), month.begin(), month.end());
-    EXPECT_EQ(readAll(Database(file), u"MENULER"), expected);
+    EXPECT_EQ(testing::readRows(Database(file), u"MENULER"), expected);
     expectMdbExportAgrees(file, u"MENULER");
 }
 
@@ -231,7 +208,7 @@ TEST(TableWriter, MemoValuesInlineOnOnePageAndChained) {
     const std::vector<RowId> ids = database.insertRows(
         u"test", {memoRow(u"kısa"), memoRow(std::u16string(1500, u'a')), memoRow(lines),
                   memoRow(std::u16string(3000, u'ğ'))});
-    std::vector<std::vector<Value>> rows = readAll(database, u"test");
+    std::vector<std::vector<Value>> rows = testing::readRows(database, u"test");
     ASSERT_EQ(rows.size(), 5u);
     EXPECT_EQ(rows[1][0], Value::text(u"kısa"));
     EXPECT_EQ(rows[2][0], Value::text(std::u16string(1500, u'a')));
@@ -243,7 +220,7 @@ TEST(TableWriter, MemoValuesInlineOnOnePageAndChained) {
     database.updateRow(u"test", ids[2], memoRow(u"yeni"));
     database.updateRow(u"test", ids[0], memoRow(lines + lines));
     database.deleteRows(u"test", {ids[3]});
-    rows = readAll(Database(file), u"test");
+    rows = testing::readRows(Database(file), u"test");
     ASSERT_EQ(rows.size(), 4u);
     EXPECT_EQ(rows[1][0], Value::text(lines + lines));
     EXPECT_EQ(rows[3][0], Value::text(u"yeni"));
@@ -311,7 +288,7 @@ TEST(CrashSafety, LongValuesInsertedAllOrNothing) {
     const std::string original = copyFixture(dir, "access/fixedNumericTestV2000.mdb");
     std::u16string memo;
     for (int i = 0; i < 400; ++i) memo += u"Kuru fasulye, pilav, turşu\n";
-    const std::size_t before = readAll(Database(original), u"test").size();
+    const std::size_t before = testing::readRows(Database(original), u"test").size();
     crashAtEveryWrite(
         original, (dir.path() / "work.mdb").string(),
         [&](Database& database) {
@@ -323,7 +300,7 @@ TEST(CrashSafety, LongValuesInsertedAllOrNothing) {
             database.insertRows(u"test", rows);
         },
         [&](const Database& database) {
-            const std::size_t rows = readAll(database, u"test").size();
+            const std::size_t rows = testing::readRows(database, u"test").size();
             EXPECT_EQ(database.table(u"test").rowCount, rows);
             return rows == before ? 0 : rows == before + 60 ? 1 : -1;
         });
@@ -334,7 +311,7 @@ TEST(CrashSafety, IndexedRowsInsertedAllOrNothing) {
     SKIP_WITHOUT_FIXTURES();
     testing::TempDir dir;
     const std::string original = copyFixture(dir, "kvl/kvl.mdb");
-    const std::size_t before = readAll(Database(original), u"YEMEK").size();
+    const std::size_t before = testing::readRows(Database(original), u"YEMEK").size();
     crashAtEveryWrite(
         original, (dir.path() / "work.mdb").string(),
         [&](Database& database) {
@@ -349,7 +326,7 @@ TEST(CrashSafety, IndexedRowsInsertedAllOrNothing) {
             database.insertRows(u"YEMEK", rows);
         },
         [&](const Database& database) {
-            const std::size_t rows = readAll(database, u"YEMEK").size();
+            const std::size_t rows = testing::readRows(database, u"YEMEK").size();
             return rows == before ? 0 : rows == before + 700 ? 1 : -1;
         });
 }
@@ -378,7 +355,7 @@ TEST(Sharing, TwoWritersLoseNothing) {
     SKIP_WITHOUT_FIXTURES();
     testing::TempDir dir;
     const std::string file = copyFixture(dir, "kvl/kvl.mdb");
-    const std::size_t before = readAll(Database(file), u"IZINLER").size();
+    const std::size_t before = testing::readRows(Database(file), u"IZINLER").size();
     std::vector<pid_t> children;
     for (int writer = 0; writer < 2; ++writer) {
         const pid_t child = ::fork();
@@ -401,7 +378,7 @@ TEST(Sharing, TwoWritersLoseNothing) {
     }
     const Database database(file);
     std::set<std::int32_t> numbers;
-    for (const auto& row : readAll(database, u"IZINLER")) {
+    for (const auto& row : testing::readRows(database, u"IZINLER")) {
         if (row[2] == Value::text(u"Paylaşım")) numbers.insert(row[4].asInteger());
     }
     EXPECT_EQ(numbers.size(), 400u);
