@@ -40,6 +40,8 @@ public:
 
     // REQUIRES: `table` outlives the cursor.
     TableCursor scan(const TableDefinition& table) const { return TableCursor(file_, table); }
+    // A cursor over a temporary definition would outlive it.
+    TableCursor scan(TableDefinition&& table) const = delete;
 
     // Runs `work` as one write statement and commits it; an exception from
     // `work` leaves the file as it was. REQUIRES: opened ReadWrite.

@@ -299,7 +299,8 @@ TEST(CreateTable, TmpMenuFilledAndRefilledMonthByMonth) {
         database.createTable(kTmpMenu);
         for (int print = 0; print < 12; ++print) {
             std::vector<RowId> old;
-            TableCursor cursor = database.scan(database.table(u"TMPMENU"));
+            const TableDefinition menu = database.table(u"TMPMENU");
+            TableCursor cursor = database.scan(menu);
             while (cursor.next()) old.push_back(cursor.rowId());
             database.deleteRows(u"TMPMENU", old);
             // The last fill is a long one: a few hundred rows at once.

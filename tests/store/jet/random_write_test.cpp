@@ -53,7 +53,8 @@ public:
             case ColumnType::Integer: return Value::integer(below(65536) - 32768);
             case ColumnType::LongInteger: return Value::integer(static_cast<std::int32_t>(random_()));
             case ColumnType::Currency:
-                return Value::currency(Currency{static_cast<std::int64_t>(random_()) * 37 - 1000000000});
+                return Value::currency(
+                    Currency{static_cast<std::int64_t>(random_() % 2000000000000ull) - 1000000000000});
             case ColumnType::Single: return Value::real(below(1 << 20) / 4.0);
             case ColumnType::Double: return Value::real((static_cast<double>(random_()) - 2e9) / 7.0);
             case ColumnType::DateTime:
