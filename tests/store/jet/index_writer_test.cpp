@@ -17,6 +17,7 @@
 #include "store/jet/format.h"
 #include "store/jet/index_key.h"
 #include "store/jet/index_page.h"
+#include "store/jet/integrity_check.h"
 #include "store/jet/index_page_builder.h"
 #include "store/jet/table_writer.h"
 #include "store/jet/text.h"
@@ -252,6 +253,7 @@ std::size_t churn(const fs::path& path, const std::u16string& tableName, int ins
     }
     const TableDefinition table = database.table(tableName);
     expectMdbExportReads(path, database.file(), table);
+    EXPECT_EQ(checkIntegrity(database.file()), std::vector<std::string>{});
     return expectIndexesHoldRows(database.file(), table);
 }
 
