@@ -235,7 +235,8 @@ Bytes TableWriter::storeLongValue(const Bytes& stored) {
     return reference(length, next);
 }
 
-// Marks the long value rows of a row's memo and OLE values deleted.
+// Marks the long value rows of a row's memo and OLE values deleted and frees
+// the pages they leave empty.
 void TableWriter::freeLongValues(ByteView row) {
     const std::size_t rowColumns = row.u16(0);
     const std::size_t maskSize = (rowColumns + 7) / 8;
@@ -261,9 +262,21 @@ void TableWriter::freeLongValues(ByteView row) {
             const std::uint32_t next =
                 (header & l::kSinglePage) != 0 ? 0 : dataPage.rowBytes(slot).u32(0);
             setRowFlags(page, pointerRow(pointer), d::kRowDeleted | d::kRowOverflow);
+            releaseIfEmpty(pointerPage(pointer));
             pointer = next;
         }
     }
+}
+
+// A long value page whose rows are all deleted goes back to the database's
+// free pages; the page this writer is filling stays its own.
+void TableWriter::releaseIfEmpty(std::uint32_t number) {
+    if (number == longValuePage_) return;
+    const DataPage page(statement_.change(number), number);
+    for (std::uint16_t row = 0; row < page.rowCount(); ++row) {
+        if (!page.slot(row).deleted) return;
+    }
+    releasePage(statement_, number);
 }
 
 void TableWriter::addToRowCount(int delta) {

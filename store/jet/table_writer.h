@@ -52,6 +52,7 @@ private:
     std::string indexName(std::size_t realIndex) const;
     Bytes storeLongValue(const Bytes& stored);
     void freeLongValues(ByteView row);
+    void releaseIfEmpty(std::uint32_t longValuePage);
     std::uint32_t lastDataPage();
     std::uint32_t newDataPage(std::uint32_t owner);
     RowId placeRow(const Bytes& row, std::uint16_t flags);

@@ -20,6 +20,7 @@
 #include "store/jet/row_decoder.h"
 #include "store/jet/row_encoder.h"
 #include "store/jet/text.h"
+#include "store/jet/usage_map.h"
 #include "tests/store/jet/test_files.h"
 #include "tools/mdb_export_format.h"
 
@@ -216,10 +217,14 @@ TEST(TableWriter, MemoValuesInlineOnOnePageAndChained) {
     EXPECT_EQ(rows[4][0], Value::text(std::u16string(3000, u'ğ')));
     expectMdbExportAgrees(file, u"test");
 
-    // Replacing and deleting long values.
+    // Replacing and deleting long values; the pages of the chain go back to
+    // the free pages.
+    const std::vector<std::uint32_t> freeBefore = readFreePages(database.file());
     database.updateRow(u"test", ids[2], memoRow(u"yeni"));
     database.updateRow(u"test", ids[0], memoRow(lines + lines));
     database.deleteRows(u"test", {ids[3]});
+    EXPECT_GE(readFreePages(database.file()).size(), freeBefore.size() + 5);
+    EXPECT_EQ(checkIntegrity(database.file()), std::vector<std::string>{});
     rows = testing::readRows(Database(file), u"test");
     ASSERT_EQ(rows.size(), 4u);
     EXPECT_EQ(rows[1][0], Value::text(lines + lines));
