@@ -101,9 +101,8 @@ RowReader::RowReader(const PageSource& file, const TableDefinition& table)
     : file_(file), table_(table) {}
 
 bool RowReader::read(RowId row, std::vector<Value>& out) {
-    if (row.page == 0 || row.page >= file_.pageCount())
-        return false;
     if (row.page != pageNumber_) {
+        if (row.page == 0 || row.page >= file_.pageCount()) return false;
         file_.read(row.page, page_);
         pageNumber_ = row.page;
         pageIsTable_ =
