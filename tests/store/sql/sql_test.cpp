@@ -393,6 +393,65 @@ TEST(Sql, ConditionsNamesAndNulls) {
     EXPECT_TRUE(sorted.rows.back()[0].isNull() || sorted.rows.back()[0] == Value::text(u""));
 }
 
+// The tally's grouped counts are kept between statements that differ in
+// their HAVING only; a write to the file, here a meal logged as the gate
+// program would, shows in the next count.
+TEST(Sql, GroupedCountsFollowWritesToTheFile) {
+    SKIP_WITHOUT_FIXTURES();
+    SchoolCopy copy;
+    jet::Database database(copy.path(), jet::PageFile::Mode::ReadWrite);
+    auto tally = [&](int day) {
+        const sql::QueryResult result =
+            sql::execute(database,
+                         u"SELECT Count(yemek.gunduzlu) AS Saygunduzlu, yemek.gun, yemek.ay, "
+                         u"yemek.gunduzlu,yemek.ogun From yemek GROUP BY yemek.gun, yemek.ay, "
+                         u"yemek.gunduzlu,yemek.ogun HAVING yemek.gun=" +
+                             jet::fromUtf8(std::to_string(day)) +
+                             u" AND yemek.ay=11 and yemek.ogun='Kahvaltı' AND yemek.gunduzlu=1")
+                .query;
+        return result.rows.empty() ? 0 : result.rows[0][0].asInteger();
+    };
+    // Through a WHERE the rows are counted afresh each time.
+    auto counted = [&](int day) {
+        return static_cast<int>(
+            sql::execute(database, u"select* from yemek where gun=" +
+                                       jet::fromUtf8(std::to_string(day)) +
+                                       u" and ay=11 and ogun='kahvaltı' and gunduzlu=1")
+                .query.rows.size());
+    };
+    const int fifth = tally(5), sixth = tally(6);
+    ASSERT_GT(fifth, 0);
+    EXPECT_EQ(fifth, counted(5));
+    EXPECT_EQ(sixth, counted(6));
+    EXPECT_EQ(tally(5), fifth);
+
+    const jet::TableDefinition table = database.table(u"YEMEK");
+    Row row(table.columns.size());
+    for (std::size_t c = 0; c < table.columns.size(); ++c) {
+        const std::u16string& name = table.columns[c].name;
+        if (name == u"gun")
+            row[c] = Value::integer(5);
+        if (name == u"ay")
+            row[c] = Value::integer(11);
+        if (name == u"gunduzlu")
+            row[c] = Value::integer(1);
+        if (name == u"ogun")
+            row[c] = Value::text(u"Kahvaltı");
+        if (name == u"YEMEKTARIH")
+            row[c] = Value::date(jet::Date::fromCivil({2026, 11, 5}));
+    }
+    database.insertRows(u"YEMEK", {row});
+    EXPECT_EQ(tally(5), fifth + 1);
+    EXPECT_EQ(tally(6), sixth);
+    EXPECT_EQ(sql::execute(database,
+                           u"delete* from yemek where gun=5 and ay=11 and "
+                           u"ogun='Kahvaltı' and gunduzlu=1")
+                  .rowsAffected,
+              fifth + 1);
+    EXPECT_EQ(tally(5), 0);
+    EXPECT_EQ(jet::checkIntegrity(database.file()), std::vector<std::string>{});
+}
+
 TEST(Sql, StatementsOutsideTheSubsetFailNamingWhat) {
     SKIP_WITHOUT_FIXTURES();
     SchoolCopy copy;
