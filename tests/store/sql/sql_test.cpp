@@ -370,6 +370,35 @@ TEST(Sql, ConditionsNamesAndNulls) {
                   })
                   .size());
 
+    // Digits, sets and ranges of LIKE; HAVING on an aggregate.
+    const int sinif = ornek.column(u"Sinif");
+    std::map<std::u16string, int> perClass;
+    for (const Row& r : ornek.rows) {
+        if (r[sinif].kind() == Value::Kind::Text)
+            ++perClass[r[sinif].asText()];
+    }
+    std::size_t likeCount = 0, bigClasses = 0;
+    for (const auto& [name, n] : perClass) {
+        if (name.size() == 3 && name[0] == u'1' && name[1] >= u'0' && name[1] <= u'1' &&
+            (name[2] == u'A' || name[2] == u'B')) {
+            likeCount += n;
+        }
+        if (n > 20)
+            ++bigClasses;
+    }
+    ASSERT_GT(likeCount, 0u);
+    EXPECT_EQ(count(u"select* from ORNEK where Sinif like '1[0-1][ab]'"), likeCount);
+    EXPECT_EQ(count(u"select* from ORNEK where Sinif like '1#[!c-z]' and Sinif like '?[!2-9]_'"),
+              likeCount);
+    const sql::QueryResult big =
+        sql::execute(database,
+                     u"select Sinif, Count(*) as n from ORNEK group by Sinif having Count(*)>20")
+            .query;
+    ASSERT_GT(bigClasses, 0u);
+    EXPECT_EQ(big.rows.size(), bigClasses);
+    for (const Row& r : big.rows)
+        EXPECT_EQ(r[1].asInteger(), perClass[r[0].asText()]);
+
     // Aggregates without GROUP BY give one row, named Expr1000 when unnamed.
     const sql::QueryResult total =
         sql::execute(database, u"select Count(*), max(Numara) as m from ORNEK").query;
