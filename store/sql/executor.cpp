@@ -616,19 +616,28 @@ GroupMap groupRows(const jet::Database& database, const jet::TableDefinition& ta
                    const std::vector<Node>& aggregates) {
     GroupMap groups;
     Row key;
+    // Rows of one group tend to come in runs (the meal log is written day by
+    // day, meal by meal): the group of the row before is tried first.
+    GroupMap::iterator last = groups.end();
     forEachRow(database, table, where, [&](jet::RowId, const Row& values) {
-        key.clear();
-        for (int c : groupColumns)
-            key.push_back(values[c]);
-        auto it = groups.find(key);
-        if (it == groups.end()) {
-            Group g;
-            g.first = values;
-            g.accumulators.resize(aggregates.size());
-            it = groups.emplace(key, std::move(g)).first;
+        bool same = last != groups.end();
+        for (std::size_t i = 0; same && i < groupColumns.size(); ++i) {
+            same = compareValues(values[groupColumns[i]], last->first[i]) == 0;
+        }
+        if (!same) {
+            key.clear();
+            for (int c : groupColumns)
+                key.push_back(values[c]);
+            last = groups.find(key);
+            if (last == groups.end()) {
+                Group g;
+                g.first = values;
+                g.accumulators.resize(aggregates.size());
+                last = groups.emplace(key, std::move(g)).first;
+            }
         }
         for (std::size_t a = 0; a < aggregates.size(); ++a) {
-            accumulate(aggregates[a], values, it->second.accumulators[a]);
+            accumulate(aggregates[a], values, last->second.accumulators[a]);
         }
     });
     return groups;
