@@ -178,4 +178,49 @@ std::vector<IndexEntry> readIndexEntries(const PageSource& file, const RealIndex
     return entries;
 }
 
+std::vector<IndexEntry> findIndexEntries(const PageSource& file, const RealIndex& index,
+                                         const Bytes& prefix) {
+    auto below = [&](const Bytes& key) {
+        return std::lexicographical_compare(key.begin(), key.end(), prefix.begin(), prefix.end());
+    };
+    auto startsWithPrefix = [&](const Bytes& key) {
+        return key.size() >= prefix.size() && std::equal(prefix.begin(), prefix.end(), key.begin());
+    };
+    IndexPageReader reader(file);
+    IndexPage page = reader.read(index.firstPage, index.firstPage);
+    while (!page.isLeaf()) {
+        const std::vector<IndexPageEntry>& entries = page.entries();
+        if (entries.empty()) {
+            throw Error(where(page.number()) + " is an intermediate page without entries");
+        }
+        auto child = std::find_if(entries.begin(), entries.end(),
+                                  [&](const IndexPageEntry& entry) { return !below(entry.key); });
+        // Past every last key: the last child is read all the same, so that
+        // a parent key left behind by a writer hides nothing.
+        if (child == entries.end())
+            --child;
+        page = reader.read(child->childPage, page.number());
+    }
+
+    std::vector<IndexEntry> found;
+    for (;;) {
+        for (const IndexPageEntry& entry : page.entries()) {
+            if (startsWithPrefix(entry.key)) {
+                found.push_back(IndexEntry{entry.key, entry.row});
+            } else if (!below(entry.key)) {
+                return found;
+            }
+        }
+        if (page.nextPage() == 0)
+            break;
+        IndexPage next = reader.read(page.nextPage(), page.number());
+        if (!next.isLeaf() || next.prevPage() != page.number()) {
+            throw Error(where(next.number()) + " follows leaf page " +
+                        std::to_string(page.number()) + " but is not a leaf linked back to it");
+        }
+        page = std::move(next);
+    }
+    return found;
+}
+
 }  // namespace jet

@@ -60,4 +60,11 @@ struct IndexEntry {
 // loops among the pages, and entries out of order.
 std::vector<IndexEntry> readIndexEntries(const PageSource& file, const RealIndex& index);
 
+// The entries whose key starts with `prefix` (such as the key of the index's
+// first column alone), in key order: down the B-tree to the first child
+// whose last key is not below `prefix`, then along the leaves while keys
+// start with it. Reads only those pages. Throws Error as readIndexEntries.
+std::vector<IndexEntry> findIndexEntries(const PageSource& file, const RealIndex& index,
+                                         const Bytes& prefix);
+
 }  // namespace jet

@@ -15,6 +15,45 @@ namespace {
 // more than once, so a longer chain is damage.
 constexpr int kMaxOverflowHops = 4;
 
+// The bytes of row `row` of the data page `home` (page `homeNumber`),
+// followed to where a moved row's pointer sends it. `overflow` receives the
+// page the data lies on when it is not `home`.
+ByteView resolveRow(const PageSource& file, const TableDefinition& table, const Page& home,
+                    std::uint32_t homeNumber, std::uint16_t row, Page& overflow, bool& moved) {
+    const DataPage homePage(home, homeNumber);
+    RowSlot slot = homePage.slot(row);
+    moved = slot.overflow;
+    if (!slot.overflow)
+        return homePage.rowBytes(slot);
+
+    std::uint32_t pointer = homePage.rowBytes(slot).u32(0);
+    for (int hop = 0; hop < kMaxOverflowHops; ++hop) {
+        file.read(pointerPage(pointer), overflow);
+        const DataPage target(overflow, pointerPage(pointer));
+        if (target.owner() != table.page) {
+            throw Error("row " + std::to_string(row) + " of page " + std::to_string(homeNumber) +
+                        " points to page " + std::to_string(pointerPage(pointer)) +
+                        " of another table");
+        }
+        slot = target.slot(pointerRow(pointer));
+        if (!slot.overflow)
+            return target.rowBytes(slot);
+        pointer = target.rowBytes(slot).u32(0);
+    }
+    throw Error("row " + std::to_string(row) + " of page " + std::to_string(homeNumber) +
+                " is moved more than " + std::to_string(kMaxOverflowHops) + " times");
+}
+
+void decodeRowOf(const PageSource& file, const TableDefinition& table, RowId id, ByteView bytes,
+                 std::vector<Value>& out) {
+    try {
+        decodeRow(file, table, bytes, out);
+    } catch (const Error& error) {
+        throw Error("row " + std::to_string(id.row) + " of page " + std::to_string(id.page) +
+                    " of table " + toUtf8(table.name) + " is damaged: " + error.what());
+    }
+}
+
 }  // namespace
 
 TableCursor::TableCursor(const PageSource& file, const TableDefinition& table)
@@ -28,29 +67,6 @@ bool TableCursor::loadPage(std::size_t index) {
     rowCount_ = dataPage.rowCount();
     nextRow_ = 0;
     return true;
-}
-
-ByteView TableCursor::resolve(std::uint16_t row) {
-    const DataPage home(page_, pages_[pageIndex_]);
-    RowSlot slot = home.slot(row);
-    currentMoved_ = slot.overflow;
-    if (!slot.overflow) return home.rowBytes(slot);
-
-    std::uint32_t pointer = home.rowBytes(slot).u32(0);
-    for (int hop = 0; hop < kMaxOverflowHops; ++hop) {
-        file_.read(pointerPage(pointer), overflowPage_);
-        const DataPage target(overflowPage_, pointerPage(pointer));
-        if (target.owner() != table_.page) {
-            throw Error("row " + std::to_string(row) + " of page " +
-                        std::to_string(pages_[pageIndex_]) + " points to page " +
-                        std::to_string(pointerPage(pointer)) + " of another table");
-        }
-        slot = target.slot(pointerRow(pointer));
-        if (!slot.overflow) return target.rowBytes(slot);
-        pointer = target.rowBytes(slot).u32(0);
-    }
-    throw Error("row " + std::to_string(row) + " of page " + std::to_string(pages_[pageIndex_]) +
-                " is moved more than " + std::to_string(kMaxOverflowHops) + " times");
 }
 
 bool TableCursor::next() {
@@ -67,7 +83,8 @@ bool TableCursor::next() {
             // moved row: it is reached through its pointer, not here.
             if (slot.deleted) continue;
             current_ = RowId{pages_[pageIndex_], row};
-            currentBytes_ = resolve(row);
+            currentBytes_ = resolveRow(file_, table_, page_, pages_[pageIndex_], row, overflowPage_,
+                                       currentMoved_);
             return true;
         }
         ++pageIndex_;
@@ -77,13 +94,34 @@ bool TableCursor::next() {
 }
 
 void TableCursor::values(std::vector<Value>& out) const {
-    try {
-        decodeRow(file_, table_, currentBytes_, out);
-    } catch (const Error& error) {
-        throw Error("row " + std::to_string(current_.row) + " of page " +
-                    std::to_string(current_.page) + " of table " + toUtf8(table_.name) +
-                    " is damaged: " + error.what());
+    decodeRowOf(file_, table_, current_, currentBytes_, out);
+}
+
+RowReader::RowReader(const PageSource& file, const TableDefinition& table)
+    : file_(file), table_(table) {}
+
+bool RowReader::read(RowId row, std::vector<Value>& out) {
+    if (row.page != pageNumber_) {
+        if (row.page == 0 || row.page >= file_.pageCount()) return false;
+        file_.read(row.page, page_);
+        pageNumber_ = row.page;
+        pageIsTable_ =
+            page_[0] == format::kPageData && DataPage(page_, row.page).owner() == table_.page;
     }
+    if (!pageIsTable_)
+        return false;
+    const DataPage page(page_, row.page);
+    if (row.row >= page.rowCount() || page.slot(row.row).deleted)
+        return false;
+    bool moved = false;
+    ByteView bytes = resolveRow(file_, table_, page_, row.page, row.row, overflowPage_, moved);
+    decodeRowOf(file_, table_, row, bytes, out);
+    return true;
+}
+
+bool readRow(const PageSource& file, const TableDefinition& table, RowId row,
+             std::vector<Value>& out) {
+    return RowReader(file, table).read(row, out);
 }
 
 }  // namespace jet

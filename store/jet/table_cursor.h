@@ -39,7 +39,6 @@ public:
 
 private:
     bool loadPage(std::size_t index);
-    ByteView resolve(std::uint16_t row);
 
     const PageSource& file_;
     const TableDefinition& table_;
@@ -54,5 +53,29 @@ private:
     bool currentMoved_ = false;
     ByteView currentBytes_;
 };
+
+// Reads rows by their identity, as an index gives them. Keeps the last data
+// page read, so that rows asked for in page order cost one read per page.
+class RowReader {
+public:
+    RowReader(const PageSource& file, const TableDefinition& table);
+
+    // The values of the row. False when it is not a live row of the table:
+    // the page is no data page of the table, the slot lies beyond its rows,
+    // or the row is deleted. Throws Error when the row's bytes are damaged.
+    bool read(RowId row, std::vector<Value>& out);
+
+private:
+    const PageSource& file_;
+    const TableDefinition& table_;
+    Page page_{};
+    Page overflowPage_{};
+    std::uint32_t pageNumber_ = 0;  // the page in page_; 0 for none
+    bool pageIsTable_ = false;      // page_ is a data page of the table
+};
+
+// One row by its identity; see RowReader::read.
+bool readRow(const PageSource& file, const TableDefinition& table, RowId row,
+             std::vector<Value>& out);
 
 }  // namespace jet
