@@ -118,7 +118,8 @@ int main(int argc, char** argv) {
             out = std::to_string(result.rowsAffected) + "\n";
         }
         std::fwrite(out.data(), 1, out.size(), stdout);
-    } catch (const jet::Error& error) {
+    } catch (const std::exception& error) {
+        // jet::Error for the file and the statement; anything else (memory) too.
         std::fflush(stdout);
         std::fprintf(stderr, "jetsql: %s\n", error.what());
         return 1;
