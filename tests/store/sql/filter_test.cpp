@@ -328,6 +328,8 @@ TEST(FilterTest, InvalidTextsAndColumns) {
     EXPECT_TRUE(sql::parseFilter(u"adı like 'a*'").matches(names, types, row));
     EXPECT_FALSE(sql::parseFilter(u"Tarih = #1/1/2025#").matches(names, types, row));
     EXPECT_FALSE(sql::parseFilter(u"Tarih <> #1/1/2025#").matches(names, types, row));
+    EXPECT_TRUE(sql::parseFilter(u"Numara = 7E+0 and Numara=+7 and Numara = .7e1")
+                    .matches(names, types, row));
     EXPECT_TRUE(sql::parseFilter(u"Numara <> 7.5 and Numara > -1 and Numara < 7.01")
                     .matches(names, types, row));
     EXPECT_TRUE(sql::parseFilter(u"Adi < 'Alj' and Adi > 'alı'").matches(names, types, row));
