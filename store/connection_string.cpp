@@ -42,8 +42,9 @@ std::string normalKey(std::string_view key) {
     return out;
 }
 
-[[noreturn]] void fail(std::string_view text, const std::string& what) {
-    throw DataError("connection string \"" + std::string(text) + "\": " + what);
+// The message leaves the text out: it holds the database password.
+[[noreturn]] void fail(const std::string& what) {
+    throw DataError("connection string not understood: " + what);
 }
 
 }  // namespace
@@ -70,7 +71,7 @@ ConnectionString parseConnectionString(std::string_view text) {
             std::string_view piece = trim(text.substr(pos, end - pos));
             if (!piece.empty()) {
                 if (!first) {
-                    fail(text, "\"" + std::string(piece) + "\" has no '='");
+                    fail("a piece without '=' after the first");
                 }
                 result.pairs_.emplace_back("Provider", std::string(piece));
             }
@@ -80,7 +81,7 @@ ConnectionString parseConnectionString(std::string_view text) {
         }
         std::string key(trim(text.substr(pos, stop - pos)));
         if (key.empty()) {
-            fail(text, "a value without a key");
+            fail("a value without a key");
         }
         pos = stop + 1;
         while (pos < text.size() && isBlank(text[pos])) {
@@ -91,7 +92,7 @@ ConnectionString parseConnectionString(std::string_view text) {
             const char quote = text[pos++];
             for (;;) {
                 if (pos >= text.size()) {
-                    fail(text, "the value of " + key + " has no closing quote");
+                    fail("the value of " + key + " has no closing quote");
                 }
                 if (text[pos] == quote) {
                     if (pos + 1 < text.size() && text[pos + 1] == quote) {
@@ -108,7 +109,7 @@ ConnectionString parseConnectionString(std::string_view text) {
                 ++pos;
             }
             if (pos < text.size() && text[pos] != ';') {
-                fail(text, "text after the quoted value of " + key);
+                fail("text after the quoted value of " + key);
             }
         } else {
             std::size_t end = text.find(';', pos);

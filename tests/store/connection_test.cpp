@@ -112,6 +112,14 @@ TEST(ConnectionStringTest, FormsOfTheSystem) {
                             "Data Source=\"kvl.mdb\"x"}) {
         EXPECT_THROW(store::parseConnectionString(bad), DataError) << bad;
     }
+    // A message never shows the password.
+    try {
+        store::parseConnectionString(
+            "Data Source=kvl.mdb;Jet OLEDB:Database Password=" + kMainPassword + ";Persist");
+        ADD_FAILURE() << "a piece without '=' accepted";
+    } catch (const DataError& error) {
+        EXPECT_EQ(std::string(error.what()).find(kMainPassword), std::string::npos);
+    }
 }
 
 TEST(ConnectionStringTest, DataSourcesReachOneFile) {
