@@ -106,9 +106,9 @@ const Table& table() {
     return t;
 }
 
-std::uint32_t weight(char16_t c) {
+std::uint32_t weight(const Table& t, char16_t c) {
     if (c < 0x180) {
-        std::uint32_t w = table().weight[c];
+        std::uint32_t w = t.weight[c];
         if (w != 0) {
             return w;
         }
@@ -180,9 +180,13 @@ double numberOf(const jet::Value& v) {
 }  // namespace
 
 int compareText(std::u16string_view a, std::u16string_view b) {
+    const Table& t = table();
     std::size_t n = std::min(a.size(), b.size());
     for (std::size_t i = 0; i < n; ++i) {
-        std::uint32_t wa = weight(a[i]), wb = weight(b[i]);
+        if (a[i] == b[i]) {
+            continue;
+        }
+        std::uint32_t wa = weight(t, a[i]), wb = weight(t, b[i]);
         if (wa != wb) {
             return wa < wb ? -1 : 1;
         }
@@ -194,8 +198,9 @@ bool equalText(std::u16string_view a, std::u16string_view b) {
     if (a.size() != b.size()) {
         return false;
     }
+    const Table& t = table();
     for (std::size_t i = 0; i < a.size(); ++i) {
-        if (a[i] != b[i] && weight(a[i]) != weight(b[i])) {
+        if (a[i] != b[i] && weight(t, a[i]) != weight(t, b[i])) {
             return false;
         }
     }

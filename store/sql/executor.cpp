@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <deque>
+#include <filesystem>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 
@@ -593,6 +596,129 @@ bool sameRow(const Row& a, const Row& b) {
     return true;
 }
 
+struct KeyLess {
+    bool operator()(const Row& a, const Row& b) const {
+        for (std::size_t i = 0; i < a.size(); ++i) {
+            int c = compareValues(a[i], b[i]);
+            if (c != 0)
+                return c < 0;
+        }
+        return false;
+    }
+};
+
+// Groups by the values of the grouped columns, in their order; texts that
+// differ in case only fall into one group, as in Jet.
+using GroupMap = std::map<Row, Group, KeyLess>;
+
+GroupMap groupRows(const jet::Database& database, const jet::TableDefinition& table,
+                   const std::optional<Node>& where, const std::vector<int>& groupColumns,
+                   const std::vector<Node>& aggregates) {
+    GroupMap groups;
+    Row key;
+    // Rows of one group tend to come in runs (the meal log is written day by
+    // day, meal by meal): the group of the row before is tried first.
+    GroupMap::iterator last = groups.end();
+    forEachRow(database, table, where, [&](jet::RowId, const Row& values) {
+        bool same = last != groups.end();
+        for (std::size_t i = 0; same && i < groupColumns.size(); ++i) {
+            same = compareValues(values[groupColumns[i]], last->first[i]) == 0;
+        }
+        if (!same) {
+            key.clear();
+            for (int c : groupColumns)
+                key.push_back(values[c]);
+            last = groups.find(key);
+            if (last == groups.end()) {
+                Group g;
+                g.first = values;
+                g.accumulators.resize(aggregates.size());
+                last = groups.emplace(key, std::move(g)).first;
+            }
+        }
+        for (std::size_t a = 0; a < aggregates.size(); ++a) {
+            accumulate(aggregates[a], values, last->second.accumulators[a]);
+        }
+    });
+    return groups;
+}
+
+// What tells that a file is unchanged: every write, by this program or by
+// the gate program, sets its time of last change.
+struct FileStamp {
+    std::filesystem::file_time_type changed;
+    std::uintmax_t size = 0;
+    friend bool operator==(const FileStamp&, const FileStamp&) = default;
+};
+
+std::optional<FileStamp> stampOf(const jet::Database& database) {
+    std::error_code error;
+    FileStamp stamp;
+    stamp.changed = std::filesystem::last_write_time(database.path(), error);
+    if (error)
+        return std::nullopt;
+    stamp.size = std::filesystem::file_size(database.path(), error);
+    if (error)
+        return std::nullopt;
+    return stamp;
+}
+
+std::string groupCacheKey(const jet::Database& database, const jet::TableDefinition& table,
+                          const std::vector<int>& groupColumns,
+                          const std::vector<Node>& aggregates) {
+    std::string key = std::filesystem::absolute(database.path()).string();
+    key += '\0' + std::to_string(table.page);
+    for (int c : groupColumns)
+        key += ' ' + std::to_string(c);
+    key += " /";
+    for (const Node& a : aggregates) {
+        key += ' ' + std::to_string(static_cast<int>(a.function)) + ':' + std::to_string(a.column);
+    }
+    return key;
+}
+
+// Whole tables grouped, from the stamp of their file taken before the scan:
+// a write during the scan changes the stamp, so the entry is never found.
+class GroupCache {
+public:
+    std::shared_ptr<const GroupMap> find(const std::string& key, const FileStamp& stamp) {
+        std::lock_guard<std::mutex> lock(mutex_);
+        for (const Entry& entry : entries_) {
+            if (entry.key == key && entry.stamp == stamp)
+                return entry.groups;
+        }
+        return nullptr;
+    }
+
+    void put(const std::string& key, const FileStamp& stamp,
+             std::shared_ptr<const GroupMap> groups) {
+        if (groups->size() > kMaxGroups)
+            return;
+        std::lock_guard<std::mutex> lock(mutex_);
+        std::erase_if(entries_, [&](const Entry& entry) { return entry.key == key; });
+        entries_.push_front(Entry{key, stamp, std::move(groups)});
+        if (entries_.size() > kMaxEntries)
+            entries_.pop_back();
+    }
+
+private:
+    static constexpr std::size_t kMaxEntries = 4;
+    static constexpr std::size_t kMaxGroups = 50000;  // bounds the memory an entry holds
+
+    struct Entry {
+        std::string key;  // file, table, grouped columns and aggregates
+        FileStamp stamp;
+        std::shared_ptr<const GroupMap> groups;
+    };
+    std::mutex mutex_;
+    std::deque<Entry> entries_;  // newest first
+};
+
+GroupCache& groupCache() {
+    static GroupCache cache;
+    return cache;
+}
+
 QueryResult runSelect(const jet::Database& database, const SelectStatement& s) {
     const jet::TableDefinition table = database.table(findTableName(database, s.table));
     Query query(database, table);
@@ -724,25 +850,6 @@ QueryResult runSelect(const jet::Database& database, const SelectStatement& s) {
         return result;
     }
 
-    // Grouped. Terms of HAVING on grouped columns alone hold for every row
-    // of a group or for none: they filter rows before grouping, where an
-    // index can serve them.
-    std::vector<Node> havingTerms, pushed;
-    if (having)
-        conjuncts(std::move(*having), havingTerms);
-    std::vector<Node> kept;
-    for (Node& term : havingTerms) {
-        if (!hasAggregate(term) && onlyColumns(term, groupColumns)) {
-            pushed.push_back(std::move(term));
-        } else {
-            kept.push_back(std::move(term));
-        }
-    }
-    if (!pushed.empty()) {
-        if (where)
-            pushed.push_back(std::move(*where));
-        where = andOf(std::move(pushed));
-    }
     for (const Node& n : items) {
         if (n.kind == Expression::Kind::Column &&
             std::find(groupColumns.begin(), groupColumns.end(), n.column) == groupColumns.end()) {
@@ -750,47 +857,61 @@ QueryResult runSelect(const jet::Database& database, const SelectStatement& s) {
                         " is selected but neither grouped nor inside an aggregate");
         }
     }
-    for (const Node& term : kept) {
+    std::vector<Node> havingTerms;
+    if (having)
+        conjuncts(std::move(*having), havingTerms);
+    for (const Node& term : havingTerms) {
         if (!onlyColumns(term, groupColumns) && !hasAggregate(term)) {
             throw Error("HAVING names a column that is neither grouped nor inside an aggregate");
         }
     }
 
-    auto keyLess = [](const Row& a, const Row& b) {
-        for (std::size_t i = 0; i < a.size(); ++i) {
-            int c = compareValues(a[i], b[i]);
-            if (c != 0)
-                return c < 0;
+    std::shared_ptr<const GroupMap> groups;
+    std::vector<Node> kept;
+    std::optional<FileStamp> stamp = where ? std::nullopt : stampOf(database);
+    if (stamp) {
+        // The whole table grouped, kept for statements that differ in their
+        // HAVING only, as the tally issues them day after day.
+        const std::string key = groupCacheKey(database, table, groupColumns, aggregates);
+        groups = groupCache().find(key, *stamp);
+        if (!groups) {
+            groups = std::make_shared<const GroupMap>(
+                groupRows(database, table, std::nullopt, groupColumns, aggregates));
+            groupCache().put(key, *stamp, groups);
         }
-        return false;
-    };
-    std::map<Row, Group, decltype(keyLess)> groups(keyLess);
-    Row key;
-    forEachRow(database, table, where, [&](jet::RowId, const Row& values) {
-        key.clear();
-        for (int c : groupColumns)
-            key.push_back(values[c]);
-        auto it = groups.find(key);
-        if (it == groups.end()) {
-            Group g;
-            g.first = values;
-            g.accumulators.resize(aggregates.size());
-            it = groups.emplace(key, std::move(g)).first;
+        kept = std::move(havingTerms);
+    } else {
+        // Terms of HAVING on grouped columns alone hold for every row of a
+        // group or for none: they filter rows before grouping, where an
+        // index can serve them.
+        std::vector<Node> pushed;
+        for (Node& term : havingTerms) {
+            if (!hasAggregate(term)) {
+                pushed.push_back(std::move(term));
+            } else {
+                kept.push_back(std::move(term));
+            }
         }
-        for (std::size_t a = 0; a < aggregates.size(); ++a) {
-            accumulate(aggregates[a], values, it->second.accumulators[a]);
+        if (!pushed.empty()) {
+            if (where)
+                pushed.push_back(std::move(*where));
+            where = andOf(std::move(pushed));
         }
-    });
+        groups = std::make_shared<const GroupMap>(
+            groupRows(database, table, where, groupColumns, aggregates));
+    }
     // Aggregates without GROUP BY give one row, also over no rows.
-    if (groupColumns.empty() && groups.empty()) {
+    if (groupColumns.empty() && groups->empty()) {
+        GroupMap one;
         Group g;
         g.first.resize(table.columns.size());
         g.accumulators.resize(aggregates.size());
-        groups.emplace(Row{}, std::move(g));
+        one.emplace(Row{}, std::move(g));
+        groups = std::make_shared<const GroupMap>(std::move(one));
     }
     std::optional<Node> filter = andOf(std::move(kept));
     std::vector<Row> keys;
-    for (const auto& [groupKey, group] : groups) {
+    for (const auto& [groupKey, group] : *groups) {
         Scope scope;
         scope.group = &group;
         if (filter && evaluate(*filter, scope) != Truth::True)
