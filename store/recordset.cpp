@@ -1,0 +1,340 @@
+#include "store/recordset.h"
+
+#include <algorithm>
+
+#include "store/connection.h"
+#include "store/data_error.h"
+#include "store/sql/collation.h"
+#include "store/jet/text.h"
+#include "store/source.h"
+#include "store/sql/executor.h"
+
+namespace store {
+namespace {
+
+// The kind of a computed column, from its first value: what the filter
+// needs to compare a bare number with it.
+jet::ColumnType kindOfValues(const std::vector<std::vector<jet::Value>>& rows, std::size_t column) {
+    for (const auto& row : rows) {
+        switch (row[column].kind()) {
+            case jet::Value::Kind::Null: continue;
+            case jet::Value::Kind::Text: return jet::ColumnType::Text;
+            case jet::Value::Kind::Date: return jet::ColumnType::DateTime;
+            case jet::Value::Kind::Boolean: return jet::ColumnType::Boolean;
+            case jet::Value::Kind::Integer: return jet::ColumnType::LongInteger;
+            default: return jet::ColumnType::Double;
+        }
+    }
+    return jet::ColumnType::Text;
+}
+
+}  // namespace
+
+void Recordset::open(std::u16string_view sql, Connection& connection, CursorType, LockType, long) {
+    if (open_) throw DataError("the record set is already open");
+    sql::ExecuteResult result = connection.Execute(sql);
+    if (!result.isQuery) return;
+    sql::QueryResult& query = result.query;
+    connection_ = &connection;
+    columnNames_ = std::move(query.columnNames);
+    baseTable_ = std::move(query.baseTable);
+    tableColumn_ = std::move(query.tableColumn);
+    columnTypes_.clear();
+    const jet::TableDefinition* table = nullptr;
+    jet::TableDefinition definition;
+    if (!baseTable_.empty()) {
+        definition = database().table(baseTable_);
+        table = &definition;
+    }
+    for (std::size_t c = 0; c < columnNames_.size(); ++c) {
+        const bool fromTable = table != nullptr && c < tableColumn_.size() && tableColumn_[c] >= 0;
+        columnTypes_.push_back(fromTable ? table->columns[static_cast<std::size_t>(tableColumn_[c])].type
+                                         : kindOfValues(query.rows, c));
+    }
+    rows_.clear();
+    for (std::size_t r = 0; r < query.rows.size(); ++r) {
+        Row row{std::move(query.rows[r]), std::nullopt, false};
+        if (!baseTable_.empty() && r < query.rowIds.size()) row.id = query.rowIds[r];
+        rows_.push_back(std::move(row));
+    }
+    filterText_.clear();
+    filter_.reset();
+    sort_.clear();
+    edit_ = Edit::None;
+    open_ = true;
+    rebuildView();
+}
+
+// The file the rows came from, for writing them back.
+jet::Database& Recordset::database() const {
+    auto* file = dynamic_cast<JetSource*>(&connection_->source());
+    if (file == nullptr) throw DataError("the record set's source cannot be written");
+    return file->database();
+}
+
+void Recordset::close() {
+    requireOpen();
+    open_ = false;
+    rows_.clear();
+    view_.clear();
+    edit_ = Edit::None;
+}
+
+void Recordset::requireOpen() const {
+    if (!open_) throw DataError("the operation is not allowed when the record set is closed");
+}
+
+void Recordset::requireCurrent() const {
+    requireOpen();
+    if (edit_ == Edit::Add) return;
+    if (currentDeleted_ || position_ < 0 || position_ >= static_cast<long>(view_.size())) {
+        throw DataError("either BOF or EOF is true, or the current record has been deleted");
+    }
+}
+
+long Recordset::recordCount() const {
+    requireOpen();
+    return static_cast<long>(view_.size());
+}
+
+long Recordset::absolutePosition() const {
+    requireOpen();
+    if (currentDeleted_ || position_ < 0 || position_ >= static_cast<long>(view_.size())) {
+        return kPositionUnknown;
+    }
+    return position_ + 1;
+}
+
+bool Recordset::bof() const {
+    requireOpen();
+    return view_.empty() || position_ < 0;
+}
+
+bool Recordset::eof() const {
+    requireOpen();
+    return view_.empty() || position_ >= static_cast<long>(view_.size());
+}
+
+void Recordset::leaveRow() {
+    if (edit_ != Edit::None) update();
+}
+
+void Recordset::moveFirst() {
+    requireOpen();
+    leaveRow();
+    if (view_.empty()) throw DataError("either BOF or EOF is true: the record set is empty");
+    position_ = 0;
+    currentDeleted_ = false;
+}
+
+void Recordset::moveLast() {
+    requireOpen();
+    leaveRow();
+    if (view_.empty()) throw DataError("either BOF or EOF is true: the record set is empty");
+    position_ = static_cast<long>(view_.size()) - 1;
+    currentDeleted_ = false;
+}
+
+void Recordset::moveNext() {
+    requireOpen();
+    leaveRow();
+    if (eof() && !currentDeleted_) throw DataError("EOF is true: there is no next record");
+    // A deleted row left the view: the next row already stands at its place.
+    if (!currentDeleted_) ++position_;
+    currentDeleted_ = false;
+    position_ = std::min(position_, static_cast<long>(view_.size()));
+}
+
+void Recordset::movePrevious() {
+    requireOpen();
+    leaveRow();
+    if (bof()) throw DataError("BOF is true: there is no previous record");
+    --position_;
+    currentDeleted_ = false;
+}
+
+std::size_t Recordset::ordinalOf(std::u16string_view name) const {
+    for (std::size_t c = 0; c < columnNames_.size(); ++c) {
+        if (sql::sameName(columnNames_[c], name)) return c;
+    }
+    throw DataError("item cannot be found in the collection: no field " +
+                    jet::toUtf8(std::u16string(name)));
+}
+
+jet::Value Recordset::field(std::u16string_view name) const { return field(ordinalOf(name)); }
+
+jet::Value Recordset::field(std::size_t ordinal) const {
+    requireCurrent();
+    if (ordinal >= columnNames_.size()) throw DataError("no field at ordinal " + std::to_string(ordinal));
+    if (edit_ != Edit::None) return buffer_[ordinal];
+    return rows_[view_[static_cast<std::size_t>(position_)]].values[ordinal];
+}
+
+void Recordset::setField(std::u16string_view name, jet::Value value) {
+    setField(ordinalOf(name), std::move(value));
+}
+
+void Recordset::setField(std::size_t ordinal, jet::Value value) {
+    requireCurrent();
+    if (ordinal >= columnNames_.size()) throw DataError("no field at ordinal " + std::to_string(ordinal));
+    if (baseTable_.empty() || tableColumn_[ordinal] < 0) {
+        throw DataError("field " + jet::toUtf8(columnNames_[ordinal]) + " cannot be updated");
+    }
+    if (edit_ == Edit::None) {
+        buffer_ = rows_[view_[static_cast<std::size_t>(position_)]].values;
+        edit_ = Edit::Change;
+    }
+    buffer_[ordinal] = std::move(value);
+}
+
+void Recordset::addNew() {
+    requireOpen();
+    leaveRow();
+    if (baseTable_.empty()) throw DataError("the record set cannot be updated: it is not one table's rows");
+    buffer_.assign(columnNames_.size(), jet::Value());
+    edit_ = Edit::Add;
+}
+
+void Recordset::cancelUpdate() {
+    requireOpen();
+    edit_ = Edit::None;
+    buffer_.clear();
+}
+
+// The row in the file must still hold what this record set read: another
+// program may have changed or deleted it since.
+void Recordset::checkUnchanged(const Row& row) const {
+    const jet::TableDefinition table = database().table(baseTable_);
+    std::vector<jet::Value> stored;
+    if (!jet::readRow(database().file(), table, *row.id, stored)) {
+        throw DataError("the row cannot be located for updating: another program deleted it");
+    }
+    for (std::size_t c = 0; c < columnNames_.size(); ++c) {
+        if (tableColumn_[c] >= 0 && !(stored[static_cast<std::size_t>(tableColumn_[c])] == row.values[c])) {
+            throw DataError("the row cannot be located for updating: another program changed it");
+        }
+    }
+}
+
+void Recordset::update() {
+    requireOpen();
+    if (edit_ == Edit::None) return;
+    jet::Database& file = database();
+    const jet::TableDefinition table = file.table(baseTable_);
+    const auto tableValues = [&](const std::vector<jet::Value>& start) {
+        std::vector<jet::Value> values = start;
+        for (std::size_t c = 0; c < columnNames_.size(); ++c) {
+            if (tableColumn_[c] >= 0) values[static_cast<std::size_t>(tableColumn_[c])] = buffer_[c];
+        }
+        return values;
+    };
+    if (edit_ == Edit::Add) {
+        const jet::RowId id =
+            file.insertRows(baseTable_, {tableValues(std::vector<jet::Value>(table.columns.size()))}).at(0);
+        std::vector<jet::Value> stored;
+        jet::readRow(file.file(), table, id, stored);
+        Row row{std::vector<jet::Value>(columnNames_.size()), id, false};
+        for (std::size_t c = 0; c < columnNames_.size(); ++c) {
+            row.values[c] = stored[static_cast<std::size_t>(tableColumn_[c])];
+        }
+        rows_.push_back(std::move(row));
+        // The new row joins the view at its end and becomes current.
+        view_.push_back(rows_.size() - 1);
+        position_ = static_cast<long>(view_.size()) - 1;
+    } else {
+        Row& row = rows_[view_[static_cast<std::size_t>(position_)]];
+        checkUnchanged(row);
+        std::vector<jet::Value> stored;
+        jet::readRow(file.file(), table, *row.id, stored);
+        file.updateRow(baseTable_, *row.id, tableValues(stored));
+        row.values = buffer_;
+    }
+    edit_ = Edit::None;
+    buffer_.clear();
+    currentDeleted_ = false;
+}
+
+void Recordset::remove() {
+    requireCurrent();
+    if (edit_ == Edit::Add) throw DataError("a new row cannot be deleted before it is written");
+    if (baseTable_.empty()) throw DataError("the record set cannot be updated: it is not one table's rows");
+    edit_ = Edit::None;
+    Row& row = rows_[view_[static_cast<std::size_t>(position_)]];
+    checkUnchanged(row);
+    database().deleteRows(baseTable_, {*row.id});
+    row.deleted = true;
+    view_.erase(view_.begin() + position_);
+    currentDeleted_ = true;
+}
+
+void Recordset::rebuildView() {
+    view_.clear();
+    for (std::size_t r = 0; r < rows_.size(); ++r) {
+        if (rows_[r].deleted) continue;
+        if (filter_ && !filter_->matches(filterBinding_, rows_[r].values)) continue;
+        view_.push_back(r);
+    }
+    if (!sort_.empty()) {
+        std::stable_sort(view_.begin(), view_.end(), [&](std::size_t a, std::size_t b) {
+            for (const auto& [column, ascending] : sort_) {
+                const int order = sql::compareValues(rows_[a].values[column], rows_[b].values[column]);
+                if (order != 0) return ascending ? order < 0 : order > 0;
+            }
+            return false;
+        });
+    }
+    position_ = 0;
+    currentDeleted_ = false;
+}
+
+void Recordset::setFilter(std::u16string_view text) {
+    requireOpen();
+    leaveRow();
+    // Both throw, leaving the old filter in place.
+    sql::Filter parsed = sql::parseFilter(text);
+    filterBinding_ = parsed.bind(columnNames_, columnTypes_);
+    filter_ = std::move(parsed);
+    filterText_ = std::u16string(text);
+    rebuildView();
+}
+
+void Recordset::clearFilter() {
+    requireOpen();
+    leaveRow();
+    filter_.reset();
+    filterText_.clear();
+    rebuildView();
+}
+
+void Recordset::setSort(std::u16string_view text) {
+    requireOpen();
+    leaveRow();
+    std::vector<std::pair<std::size_t, bool>> keys;
+    std::size_t start = 0;
+    while (start <= text.size()) {
+        std::size_t end = text.find(u',', start);
+        if (end == std::u16string_view::npos) end = text.size();
+        std::u16string_view part = text.substr(start, end - start);
+        const auto trim = [](std::u16string_view s) {
+            while (!s.empty() && s.front() == u' ') s.remove_prefix(1);
+            while (!s.empty() && s.back() == u' ') s.remove_suffix(1);
+            return s;
+        };
+        part = trim(part);
+        bool ascending = true;
+        const std::size_t blank = part.rfind(u' ');
+        if (blank != std::u16string_view::npos) {
+            const std::u16string_view order = trim(part.substr(blank + 1));
+            if (sql::sameName(order, u"asc") || sql::sameName(order, u"desc")) {
+                ascending = sql::sameName(order, u"asc");
+                part = trim(part.substr(0, blank));
+            }
+        }
+        if (!part.empty()) keys.emplace_back(ordinalOf(part), ascending);
+        start = end + 1;
+    }
+    sort_ = std::move(keys);
+    rebuildView();
+}
+
+}  // namespace store

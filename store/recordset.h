@@ -1,0 +1,108 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "store/jet/database.h"
+#include "store/jet/table_cursor.h"
+#include "store/jet/value.h"
+#include "store/sql/filter.h"
+
+namespace store {
+
+class Connection;
+
+enum class CursorType { Keyset = 1, Static = 3 };
+enum class LockType { Optimistic = 3 };
+
+// The rows of one query with a current row, as the original data layer's
+// record set gives them: moved through, filtered and sorted on the client
+// side, edited through an edit buffer and written back to the row each came
+// from, after checking that the row still holds what was read.
+//
+// Keyset (code) and static (data control) record sets behave alike here:
+// both hold the rows the query gave when it ran.
+class Recordset {
+public:
+    // AbsolutePosition when there is no current row.
+    static constexpr long kPositionUnknown = -1;
+
+    // Runs the SQL text. A statement that returns no rows (the "delete*"
+    // texts) runs and leaves the record set closed. Throws DataError.
+    void open(std::u16string_view sql, Connection& connection,
+              CursorType cursor = CursorType::Keyset, LockType lock = LockType::Optimistic,
+              long options = -1);
+    bool isOpen() const { return open_; }
+    void close();
+
+    long recordCount() const;  // under the present filter
+    long absolutePosition() const;
+    bool bof() const;
+    bool eof() const;
+
+    // Leaving a row writes its pending edit first. MoveFirst and MoveLast
+    // fail on an empty record set.
+    void moveFirst();
+    void moveNext();
+    void movePrevious();
+    void moveLast();
+
+    const std::vector<std::u16string>& fieldNames() const { return columnNames_; }
+    // Fails for a name the source lacks, and when there is no current row.
+    jet::Value field(std::u16string_view name) const;
+    jet::Value field(std::size_t ordinal) const;
+    void setField(std::u16string_view name, jet::Value value);
+    void setField(std::size_t ordinal, jet::Value value);
+
+    void addNew();
+    void update();
+    void cancelUpdate();
+    void remove();  // the original's Delete
+    bool editing() const { return edit_ != Edit::None; }
+
+    // A text narrows the rows and moves to the first; an invalid text fails
+    // and leaves the old filter. clearFilter() is the original's Filter = 0.
+    void setFilter(std::u16string_view text);
+    void clearFilter();
+    const std::u16string& filter() const { return filterText_; }
+    // "SINIF ASC", "tarih asc, ad desc": a stable order on the client side.
+    void setSort(std::u16string_view text);
+
+private:
+    struct Row {
+        std::vector<jet::Value> values;  // as last read or written
+        std::optional<jet::RowId> id;    // where the row lives, for rows of one table
+        bool deleted = false;
+    };
+    enum class Edit { None, Change, Add };
+
+    void requireOpen() const;
+    void requireCurrent() const;
+    std::size_t ordinalOf(std::u16string_view name) const;
+    void rebuildView();
+    void leaveRow();
+    void checkUnchanged(const Row& row) const;
+    jet::Database& database() const;
+
+    Connection* connection_ = nullptr;
+    bool open_ = false;
+    std::vector<std::u16string> columnNames_;
+    std::vector<jet::ColumnType> columnTypes_;
+    std::u16string baseTable_;       // the one table the rows map to, or empty: read-only
+    std::vector<int> tableColumn_;   // result column -> the table's column, -1 for none
+    std::vector<Row> rows_;          // every row the query gave, added rows after them
+    std::vector<std::size_t> view_;  // rows_ under the filter and sort, in order
+    long position_ = 0;              // index into view_; -1 before the first, view_.size() after the last
+    bool currentDeleted_ = false;    // the current row was deleted and left the view
+    std::u16string filterText_;
+    std::optional<sql::Filter> filter_;
+    sql::Filter::Binding filterBinding_;  // filter_ checked against the columns
+    std::vector<std::pair<std::size_t, bool>> sort_;  // column, ascending
+    Edit edit_ = Edit::None;
+    std::vector<jet::Value> buffer_;  // the edit buffer of the current or new row
+};
+
+}  // namespace store
