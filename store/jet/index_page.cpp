@@ -135,6 +135,16 @@ private:
     std::uint32_t owner_ = 0;  // the table definition page of the first page read
 };
 
+// The leaf after `page`, which must link back to it.
+IndexPage nextLeaf(IndexPageReader& reader, const IndexPage& page) {
+    IndexPage next = reader.read(page.nextPage(), page.number());
+    if (!next.isLeaf() || next.prevPage() != page.number()) {
+        throw Error(where(next.number()) + " follows leaf page " + std::to_string(page.number()) +
+                    " but is not a leaf linked back to it");
+    }
+    return next;
+}
+
 }  // namespace
 
 std::vector<IndexEntry> readIndexEntries(const PageSource& file, const RealIndex& index) {
@@ -168,12 +178,7 @@ std::vector<IndexEntry> readIndexEntries(const PageSource& file, const RealIndex
         }
         if (page.nextPage() == 0)
             break;
-        IndexPage next = reader.read(page.nextPage(), page.number());
-        if (!next.isLeaf() || next.prevPage() != page.number()) {
-            throw Error(where(next.number()) + " follows leaf page " +
-                        std::to_string(page.number()) + " but is not a leaf linked back to it");
-        }
-        page = std::move(next);
+        page = nextLeaf(reader, page);
     }
     return entries;
 }
@@ -213,12 +218,7 @@ std::vector<IndexEntry> findIndexEntries(const PageSource& file, const RealIndex
         }
         if (page.nextPage() == 0)
             break;
-        IndexPage next = reader.read(page.nextPage(), page.number());
-        if (!next.isLeaf() || next.prevPage() != page.number()) {
-            throw Error(where(next.number()) + " follows leaf page " +
-                        std::to_string(page.number()) + " but is not a leaf linked back to it");
-        }
-        page = std::move(next);
+        page = nextLeaf(reader, page);
     }
     return found;
 }

@@ -4,26 +4,13 @@
 #include <cstdlib>
 #include <string>
 
+#include "characters.h"
 #include "collation.h"
 #include "statement.h"
 #include "store/jet/text.h"
 
 namespace sql {
 namespace {
-
-bool isBlank(char16_t c) {
-    return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n';
-}
-
-bool isDigit(char16_t c) {
-    return c >= u'0' && c <= u'9';
-}
-
-// Letters of any alphabet (everything above ASCII counts), digits and '_'.
-bool isNameChar(char16_t c) {
-    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || isDigit(c) || c == u'_' ||
-           c >= 0x80;
-}
 
 char16_t asciiLower(char16_t c) {
     return c >= u'A' && c <= u'Z' ? c - u'A' + u'a' : c;

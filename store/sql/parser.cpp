@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "characters.h"
 #include "collation.h"
 #include "store/jet/text.h"
 
@@ -18,18 +19,6 @@ struct Token {
     jet::Value value;          // Number, Date
     std::size_t position = 0;  // offset in the statement, for messages
 };
-
-bool isBlank(char16_t c) {
-    return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n';
-}
-bool isDigit(char16_t c) {
-    return c >= u'0' && c <= u'9';
-}
-// Letters of any alphabet, digits and the underscore make names.
-bool isNameChar(char16_t c) {
-    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || isDigit(c) || c == u'_' ||
-           c >= 0x80;
-}
 
 class Parser {
 public:
