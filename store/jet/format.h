@@ -58,6 +58,7 @@ namespace tdef {
 inline constexpr std::size_t kNextPageOffset = 4;
 inline constexpr std::size_t kPageHeaderSize = 8;  // repeated on each page of a chain
 inline constexpr std::size_t kLengthOffset = 8;
+inline constexpr std::size_t kMagicOffset = 12;  // kTableMagic, on a definition's first page
 inline constexpr std::size_t kRowCountOffset = 16;
 inline constexpr std::size_t kAutoNumberOffset = 20;
 inline constexpr std::size_t kTableTypeOffset = 40;
@@ -97,6 +98,9 @@ inline constexpr std::size_t kLogicalIndexEntrySize = 28;
 inline constexpr std::size_t kLogicalIndexNumberOffset = 4;
 inline constexpr std::size_t kLogicalIndexRealIndexOffset = 8;
 inline constexpr std::size_t kLogicalIndexTypeOffset = 23;
+
+// Constants Access writes into every definition, column and index entry.
+inline constexpr std::uint32_t kTableMagic = 0x0659;
 
 inline constexpr std::uint8_t kTableTypeUser = 0x4e;
 inline constexpr std::uint8_t kTableTypeSystem = 0x53;
@@ -150,6 +154,7 @@ inline constexpr std::uint8_t kInlineMap = 0x00;     // u32 first page, then the
 inline constexpr std::uint8_t kReferenceMap = 0x01;  // u32 pointers to usage map pages
 inline constexpr std::size_t kMapPageBitmapOffset = 4;
 inline constexpr std::size_t kPagesPerMapPage = (kPageSize - kMapPageBitmapOffset) * 8;
+inline constexpr std::uint32_t kFreePagesMap = 1u << 8;  // row 0 of page 1: set bit = free page
 }  // namespace usage
 
 // The catalog: the system table MSysObjects, whose definition is on page 2.
