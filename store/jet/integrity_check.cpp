@@ -82,6 +82,10 @@ struct PageInfo {
     bool definitionStart = false;  // a table definition page that begins a definition
     std::uint32_t owner = 0;       // data and index pages: the table definition page they name
     bool free = false;             // marked free in the map of free pages
+    // Whether the map of free pages covers the page. An inline map covers a
+    // window of pages, a map by reference the ranges of its map pages; it can
+    // call the pages outside neither free nor used.
+    bool freeMapReaches = true;
     Claim claim;
 };
 
@@ -254,8 +258,10 @@ private:
     // it and, for a map by reference, its usage map pages. The pages it
     // marks, or nothing when it cannot be read. This is not readUsageMap:
     // the check needs the map's own pages, and goes on past a bad bit.
-    std::optional<std::vector<std::uint32_t>> readMap(std::uint32_t pointer,
-                                                      const std::string& what) {
+    // `reach` receives the ranges of pages the map covers, [first, end).
+    std::optional<std::vector<std::uint32_t>> readMap(
+        std::uint32_t pointer, const std::string& what,
+        std::vector<std::pair<std::uint64_t, std::uint64_t>>* reach = nullptr) {
         const std::uint32_t holder = pointerPage(pointer);
         if (holder == 0 || holder >= pageCount_ || pages_[holder].type != format::kPageData) {
             problem(what + " should be in " + pointerText(pointer) +
@@ -286,6 +292,8 @@ private:
         std::vector<std::uint32_t> marked;
         bool pastEnd = false;
         const auto collect = [&](ByteView bitmap, std::uint64_t first) {
+            if (reach != nullptr)
+                reach->emplace_back(first, first + 8 * bitmap.size());
             for (std::size_t byte = 0; byte < bitmap.size(); ++byte) {
                 const std::uint8_t bits = bitmap.u8(byte);
                 for (unsigned bit = 0; bits != 0 && bit < 8; ++bit) {
@@ -350,9 +358,17 @@ private:
     }
 
     void readFreePages() {
-        const auto free = readMap(u::kFreePagesMap, "the map of free pages");
+        std::vector<std::pair<std::uint64_t, std::uint64_t>> reach;
+        const auto free = readMap(u::kFreePagesMap, "the map of free pages", &reach);
         if (!free)
             return;
+        for (PageInfo& info : pages_)
+            info.freeMapReaches = false;
+        for (const auto& [first, end] : reach) {
+            for (std::uint64_t page = first; page < end && page < pageCount_; ++page) {
+                pages_[page].freeMapReaches = true;
+            }
+        }
         for (const std::uint32_t page : *free)
             pages_[page].free = true;
         if (pages_[0].free || pages_[1].free) {
@@ -859,66 +875,91 @@ private:
         return true;
     }
 
+    // What is wrong with a page that nothing uses and that is not marked
+    // free; empty for what Access leaves behind, which nothing reads.
+    std::string unclaimedPageFault(std::uint32_t number, const PageInfo& info) const {
+        // Access grows a file by more pages than it fills at once: the rest
+        // stay zero until used.
+        if (info.blank)
+            return "";
+        const std::string page = pageText(number);
+        const auto table = tables_.find(info.owner);
+        switch (info.type) {
+            case format::kPageData:
+                // Access does not free the long values of rows it deletes at
+                // once: their pages stay, rows live, until the file is
+                // compacted (an Access file has hundreds of them after its
+                // table was emptied).
+                if (info.longValues)
+                    return "";
+                if (table != tables_.end()) {
+                    return "data " + page + " belongs to table " + table->second.name +
+                           ", but the table's usage map does not mark it";
+                }
+                return "data " + page + " names " + pageText(info.owner) +
+                       " as its table, which holds no table's definition";
+            case format::kPageTableDefinition:
+                // When Access rewrites a definition that spans pages it may
+                // leave the old continuation pages behind (seen as copies of
+                // a table's second page). A first page, though, is a table
+                // the catalog lost.
+                if (!info.definitionStart)
+                    return "";
+                return page + " begins the definition of a table that is not in the catalog";
+            case format::kPageIndexIntermediate:
+            case format::kPageIndexLeaf:
+                return "index " + page + " belongs to no index" +
+                       (table != tables_.end() ? " of table " + table->second.name : "");
+            case format::kPageUsageMap:
+                return "usage map " + page + " belongs to no usage map";
+            case kPageRetiredLongValues:
+                if (info.longValues)
+                    return "";
+                break;
+            default:
+                break;
+        }
+        return page + " is of unknown type " + std::to_string(info.type);
+    }
+
+    static bool isKnownType(const PageInfo& info) {
+        return (info.type >= format::kPageData && info.type <= format::kPageUsageMap) ||
+               (info.type == kPageRetiredLongValues && info.longValues);
+    }
+
     // Every page that no owner claimed and the map of free pages does not
     // mark free. Access leaves some kinds of them behind, which are let be.
     void checkUnclaimedPages() {
+        std::vector<std::uint32_t> unreached;
         for (std::uint32_t number = 1; number < pageCount_; ++number) {
             const PageInfo& info = pages_[number];
             if (info.claim.use != Use::None || info.free)
-                continue;
-            // Access grows a file by more pages than it fills at once: the
-            // rest stay zero until used, and nothing reads them.
-            if (info.blank)
                 continue;
             // A page naming a table whose definition could not be read has
             // been reported with that table.
             if (unreadableTables_.count(info.owner) != 0)
                 continue;
-            const std::string page = pageText(number);
-            const auto table = tables_.find(info.owner);
-            switch (info.type) {
-                case format::kPageData:
-                    // Access does not free the long values of rows it deletes
-                    // at once: their pages stay, rows live, until the file is
-                    // compacted (an Access file has hundreds of them after its
-                    // table was emptied). Nothing reads them.
-                    if (info.longValues)
-                        break;
-                    if (table != tables_.end()) {
-                        problem("data " + page + " belongs to table " + table->second.name +
-                                ", but the table's usage map does not mark it");
-                    } else {
-                        problem("data " + page + " names " + pageText(info.owner) +
-                                " as its table, which holds no table's definition");
-                    }
-                    break;
-                case format::kPageTableDefinition:
-                    // When Access rewrites a definition that spans pages it
-                    // may leave the old continuation pages behind (seen as
-                    // copies of a table's second page). A first page, though,
-                    // is a table the catalog lost.
-                    if (info.definitionStart) {
-                        problem(page + " begins the definition of a table that is not in the " +
-                                "catalog");
-                    }
-                    break;
-                case format::kPageIndexIntermediate:
-                case format::kPageIndexLeaf:
-                    problem("index " + page + " belongs to no index" +
-                            (table != tables_.end() ? " of table " + table->second.name : ""));
-                    break;
-                case format::kPageUsageMap:
-                    problem("usage map " + page + " belongs to no usage map");
-                    break;
-                case kPageRetiredLongValues:
-                    if (info.longValues)
-                        break;
-                    problem(page + " is of unknown type " + std::to_string(info.type));
-                    break;
-                default:
-                    problem(page + " is of unknown type " + std::to_string(info.type));
-                    break;
+            const std::string fault = unclaimedPageFault(number, info);
+            if (fault.empty())
+                continue;
+            // The map of free pages cannot mark a page outside its reach
+            // free: a page given up there is lost to the file until it is
+            // compacted, which wastes space but misleads no reader.
+            if (!info.freeMapReaches && isKnownType(info)) {
+                unreached.push_back(number);
+                continue;
             }
+            problem(fault);
+        }
+        if (!unreached.empty()) {
+            std::string list;
+            for (std::size_t k = 0; k < unreached.size() && k < kListedPerKind; ++k) {
+                list += (k == 0 ? "" : ", ") + std::to_string(unreached[k]);
+            }
+            note(std::to_string(unreached.size()) +
+                 " pages that nothing uses lie outside the reach of the map of free pages, "
+                 "which can mark them neither free nor used: space lost, not damage (pages " +
+                 list + (unreached.size() > kListedPerKind ? ", ..." : "") + ")");
         }
     }
 

@@ -12,9 +12,10 @@ struct IntegrityReport {
     // Damage: each a state that Access never leaves in a file, in words that
     // name the page, table or index.
     std::vector<std::string> problems;
-    // What could not be checked and is therefore not called damage: index
-    // keys this engine cannot compute (another sort order, characters it
-    // does not key), keys that differ only where the key encoder may be wrong.
+    // What could not be checked, or wastes space without misleading any
+    // reader, and is therefore not called damage: index keys this engine
+    // cannot compute (another sort order, characters it does not key), pages
+    // nothing uses outside the reach of the map of free pages.
     std::vector<std::string> notes;
 };
 
