@@ -161,8 +161,15 @@ public:
         claim(0, Claim{Use::Header});
         if (!readTables())
             return std::move(report_);
-        for (auto& [page, table] : tables_)
-            checkTable(table);
+        for (auto& [page, table] : tables_) {
+            // Every fault is looked for before it is read; an error from the
+            // readers the check calls still ends that table's check only.
+            try {
+                checkTable(table);
+            } catch (const Error& error) {
+                problem("table " + table.name + ": " + error.what());
+            }
+        }
         checkUnclaimedPages();
         return std::move(report_);
     }
@@ -937,7 +944,7 @@ private:
                 continue;
             // A page naming a table whose definition could not be read has
             // been reported with that table.
-            if (unreadableTables_.count(info.owner) != 0)
+            if (unreadableTables_.count(info.owner) != 0 || unreadableTables_.count(number) != 0)
                 continue;
             const std::string fault = unclaimedPageFault(number, info);
             if (fault.empty())
