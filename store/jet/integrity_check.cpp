@@ -117,7 +117,6 @@ public:
                            " more like the above");
         }
     }
-    std::size_t count() const { return count_; }
 
 private:
     std::vector<std::string>& out_;
@@ -162,8 +161,8 @@ public:
         if (!readTables())
             return std::move(report_);
         for (auto& [page, table] : tables_) {
-            // Every fault is looked for before it is read; an error from the
-            // readers the check calls still ends that table's check only.
+            // The check bounds what it reads before reading it; should a
+            // reader it calls still throw, only that table's check ends.
             try {
                 checkTable(table);
             } catch (const Error& error) {
