@@ -1,6 +1,7 @@
-// jetcheck FILE: checks a Jet 4 database's integrity. Prints "OK" and exits 0
-// when it is sound; otherwise prints each problem and exits 1. A file that
-// cannot be read as a database at all gives its error and exit status 2.
+// jetcheck FILE   checks an Access file's integrity: prints "OK" and exits 0
+// when it finds no damage, else prints each problem on its own line and exits
+// 1. A file that cannot be opened as a database at all gives its error and
+// exit status 2. What could not be checked is noted on standard error.
 
 #include <cstdio>
 #include <string>
@@ -14,17 +15,23 @@ int main(int argc, char** argv) {
         std::fputs("usage: jetcheck FILE\n", stderr);
         return 2;
     }
+    jet::IntegrityReport report;
     try {
         const jet::Database database(argv[1]);
-        const std::vector<std::string> problems = jet::checkIntegrity(database.file());
-        if (problems.empty()) {
-            std::puts("OK");
-            return 0;
-        }
-        for (const std::string& problem : problems) std::puts(problem.c_str());
-        return 1;
+        report = jet::checkIntegrityInDetail(database.file());
     } catch (const jet::Error& error) {
         std::fprintf(stderr, "jetcheck: %s\n", error.what());
         return 2;
     }
+    for (const std::string& note : report.notes)
+        std::fprintf(stderr, "note: %s\n", note.c_str());
+    if (report.problems.empty()) {
+        std::puts("OK");
+    } else {
+        for (const std::string& problem : report.problems)
+            std::puts(problem.c_str());
+    }
+    if (std::fflush(stdout) != 0)
+        return 2;
+    return report.problems.empty() ? 0 : 1;
 }
