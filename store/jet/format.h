@@ -119,9 +119,6 @@ inline constexpr std::uint16_t kColumnMapsEnd = 0xffff;
 inline constexpr std::uint32_t kTableMagic = 0x0659;
 inline constexpr std::uint32_t kRealIndexMagic = 0x0783;
 
-// Constants Access writes into every definition, column and index entry.
-inline constexpr std::uint32_t kTableMagic = 0x0659;
-
 inline constexpr std::uint8_t kTableTypeUser = 0x4e;
 inline constexpr std::uint8_t kTableTypeSystem = 0x53;
 }  // namespace tdef
