@@ -63,6 +63,11 @@ void Recordset::open(std::u16string_view sql, Connection& connection, CursorType
     edit_ = Edit::None;
     open_ = true;
     rebuildView();
+    moved();
+}
+
+void Recordset::moved() {
+    if (onMoveComplete) onMoveComplete();
 }
 
 // The file the rows came from, for writing them back.
@@ -125,6 +130,7 @@ void Recordset::moveFirst() {
     if (view_.empty()) throw DataError("either BOF or EOF is true: the record set is empty");
     position_ = 0;
     currentDeleted_ = false;
+    moved();
 }
 
 void Recordset::moveLast() {
@@ -133,6 +139,7 @@ void Recordset::moveLast() {
     if (view_.empty()) throw DataError("either BOF or EOF is true: the record set is empty");
     position_ = static_cast<long>(view_.size()) - 1;
     currentDeleted_ = false;
+    moved();
 }
 
 void Recordset::moveNext() {
@@ -143,6 +150,7 @@ void Recordset::moveNext() {
     if (!currentDeleted_) ++position_;
     currentDeleted_ = false;
     position_ = std::min(position_, static_cast<long>(view_.size()));
+    moved();
 }
 
 void Recordset::movePrevious() {
@@ -151,6 +159,7 @@ void Recordset::movePrevious() {
     if (bof()) throw DataError("BOF is true: there is no previous record");
     --position_;
     currentDeleted_ = false;
+    moved();
 }
 
 std::size_t Recordset::ordinalOf(std::u16string_view name) const {
@@ -296,6 +305,7 @@ void Recordset::setFilter(std::u16string_view text) {
     filter_ = std::move(parsed);
     filterText_ = std::u16string(text);
     rebuildView();
+    moved();
 }
 
 void Recordset::clearFilter() {
@@ -304,6 +314,7 @@ void Recordset::clearFilter() {
     filter_.reset();
     filterText_.clear();
     rebuildView();
+    moved();
 }
 
 void Recordset::setSort(std::u16string_view text) {
@@ -335,6 +346,7 @@ void Recordset::setSort(std::u16string_view text) {
     }
     sort_ = std::move(keys);
     rebuildView();
+    moved();
 }
 
 }  // namespace store

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -71,6 +72,10 @@ public:
     // "SINIF ASC", "tarih asc, ad desc": a stable order on the client side.
     void setSort(std::u16string_view text);
 
+    // Called after each change of the current row: a move, a new filter or
+    // sort, an open. Bound boxes and grids follow the record set through it.
+    std::function<void()> onMoveComplete;
+
 private:
     struct Row {
         std::vector<jet::Value> values;  // as last read or written
@@ -84,6 +89,7 @@ private:
     std::size_t ordinalOf(std::u16string_view name) const;
     void rebuildView();
     void leaveRow();
+    void moved();
     void checkUnchanged(const Row& row) const;
     jet::Database& database() const;
 
