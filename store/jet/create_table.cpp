@@ -303,15 +303,15 @@ NewTable parseCreateTable(std::u16string_view sql) {
     return Parser(sql).createTable();
 }
 
-TableDefinition createTable(WriteStatement& statement, const NewTable& spec) {
+TableDefinition createTable(WriteStatement& statement, const NewTable& wanted) {
     for (const CatalogEntry& entry : readCatalog(statement)) {
-        if (entry.parentId == format::kTablesContainerId && sameName(entry.name, spec.name)) {
-            throw Error("table " + toUtf8(spec.name) +
+        if (entry.parentId == format::kTablesContainerId && sameName(entry.name, wanted.name)) {
+            throw Error("table " + toUtf8(wanted.name) +
                         " cannot be made: " + (entry.isTable() ? "table " : "an object named ") +
                         toUtf8(entry.name) + " exists");
         }
     }
-    TableDefinition table = layOutTable(spec);
+    TableDefinition table = layOutTable(wanted);
     const TableDefinition objects = findTable(statement, u"MSysObjects");
 
     // Pages: the definition, one for the usage maps, one root per index.

@@ -57,7 +57,7 @@ public:
     // Writes a new, empty database at `path` (see createDatabase).
     static void create(const std::string& path, const NewDatabaseOptions& options);
     // One statement each: a table made from a CREATE TABLE statement of Jet
-    // SQL (see parseCreateTable) or from a spec. A table of that name
+    // SQL (see parseCreateTable) or from a description. A table of that name
     // existing, or a statement not understood, throws Error and changes nothing.
     void createTable(std::u16string_view sql);
     void createTable(const NewTable& table);

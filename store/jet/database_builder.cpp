@@ -195,8 +195,8 @@ void createDatabase(const std::string& path, const NewDatabaseOptions& options) 
 
     // Definitions on pages 2 to 5, where Jet keeps them; MSysObjects on 2.
     std::vector<TableDefinition> tables;
-    for (const NewTable& spec : systemTables()) {
-        tables.push_back(layOutTable(spec));
+    for (const NewTable& wanted : systemTables()) {
+        tables.push_back(layOutTable(wanted));
         tables.back().page = file.add(Page{});
         tables.back().pages = {tables.back().page};
     }

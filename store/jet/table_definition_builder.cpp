@@ -154,27 +154,27 @@ bool sameName(std::u16string_view a, std::u16string_view b) {
                       [](char16_t x, char16_t y) { return foldCase(x) == foldCase(y); });
 }
 
-TableDefinition layOutTable(const NewTable& spec) {
-    if (spec.name.empty() || spec.name.size() > kMaxNameLength) {
-        refuse(spec, "a name has 1 to 64 characters");
+TableDefinition layOutTable(const NewTable& wanted) {
+    if (wanted.name.empty() || wanted.name.size() > kMaxNameLength) {
+        refuse(wanted, "a name has 1 to 64 characters");
     }
-    if (spec.columns.empty())
-        refuse(spec, "it has no columns");
-    if (spec.columns.size() > kMaxColumns)
-        refuse(spec, "it has more than 255 columns");
+    if (wanted.columns.empty())
+        refuse(wanted, "it has no columns");
+    if (wanted.columns.size() > kMaxColumns)
+        refuse(wanted, "it has more than 255 columns");
 
     TableDefinition table;
-    table.name = spec.name;
-    table.tableType = spec.system ? t::kTableTypeSystem : t::kTableTypeUser;
+    table.name = wanted.name;
+    table.tableType = wanted.system ? t::kTableTypeSystem : t::kTableTypeUser;
     std::uint16_t fixedOffset = 0;
     std::uint16_t variableIndex = 0;
-    for (const NewColumn& source : spec.columns) {
+    for (const NewColumn& source : wanted.columns) {
         if (source.name.empty() || source.name.size() > kMaxNameLength) {
-            refuse(spec, "a column name has 1 to 64 characters");
+            refuse(wanted, "a column name has 1 to 64 characters");
         }
         for (const Column& earlier : table.columns) {
             if (sameName(earlier.name, source.name)) {
-                refuse(spec, "column " + toUtf8(source.name) + " is named twice");
+                refuse(wanted, "column " + toUtf8(source.name) + " is named twice");
             }
         }
         Column column;
@@ -187,7 +187,7 @@ TableDefinition layOutTable(const NewTable& spec) {
         switch (source.type) {
             case ColumnType::Text:
                 if (source.length == 0 || source.length > kMaxTextCharacters) {
-                    refuse(spec,
+                    refuse(wanted,
                            "text column " + toUtf8(source.name) + " must hold 1 to 255 characters");
                 }
                 column.length = static_cast<std::uint16_t>(source.length * 2);
@@ -196,7 +196,7 @@ TableDefinition layOutTable(const NewTable& spec) {
                 break;
             case ColumnType::Binary:
                 if (source.length == 0 || source.length > 2 * kMaxTextCharacters) {
-                    refuse(spec,
+                    refuse(wanted,
                            "binary column " + toUtf8(source.name) + " must hold 1 to 510 bytes");
                 }
                 column.length = source.length;
@@ -210,12 +210,12 @@ TableDefinition layOutTable(const NewTable& spec) {
             default:
                 column.length = fixedValueSize(source.type);
                 if (column.length == 0)
-                    refuse(spec, "column " + toUtf8(source.name) + " has an unknown type");
+                    refuse(wanted, "column " + toUtf8(source.name) + " has an unknown type");
                 break;
         }
         if (source.autoNumber) {
             if (source.type != ColumnType::LongInteger) {
-                refuse(spec,
+                refuse(wanted,
                        "AutoNumber column " + toUtf8(source.name) + " must be a Long Integer");
             }
             column.flags |= format::kColumnAutoLong;
@@ -239,21 +239,21 @@ TableDefinition layOutTable(const NewTable& spec) {
     table.variableColumnCount = variableIndex;
 
     bool hasPrimaryKey = false;
-    for (const NewIndex& source : spec.indexes) {
+    for (const NewIndex& source : wanted.indexes) {
         if (source.name.empty() || source.name.size() > kMaxNameLength) {
-            refuse(spec, "an index name has 1 to 64 characters");
+            refuse(wanted, "an index name has 1 to 64 characters");
         }
         for (const LogicalIndex& earlier : table.indexes) {
             if (sameName(earlier.name, source.name)) {
-                refuse(spec, "index " + toUtf8(source.name) + " is named twice");
+                refuse(wanted, "index " + toUtf8(source.name) + " is named twice");
             }
         }
         if (source.columns.empty() || source.columns.size() > t::kRealIndexMaxColumns) {
-            refuse(spec, "index " + toUtf8(source.name) + " must have 1 to 10 columns");
+            refuse(wanted, "index " + toUtf8(source.name) + " must have 1 to 10 columns");
         }
         if (source.primaryKey) {
             if (hasPrimaryKey)
-                refuse(spec, "it has more than one primary key");
+                refuse(wanted, "it has more than one primary key");
             hasPrimaryKey = true;
         }
         RealIndex real;
@@ -262,12 +262,12 @@ TableDefinition layOutTable(const NewTable& spec) {
                 std::find_if(table.columns.begin(), table.columns.end(),
                              [&](const Column& c) { return sameName(c.name, source.columns[k]); });
             if (found == table.columns.end()) {
-                refuse(spec, "index " + toUtf8(source.name) + " names column " +
+                refuse(wanted, "index " + toUtf8(source.name) + " names column " +
                                  toUtf8(source.columns[k]) + ", which the table lacks");
             }
             for (const IndexColumn& earlier : real.columns) {
                 if (earlier.columnNumber == found->number) {
-                    refuse(spec, "index " + toUtf8(source.name) + " names column " +
+                    refuse(wanted, "index " + toUtf8(source.name) + " names column " +
                                      toUtf8(found->name) + " twice");
                 }
             }
