@@ -88,10 +88,7 @@ IndexPage::IndexPage(const Page& page, std::uint32_t number) : number_(number) {
     }
 }
 
-namespace {
-
-// The bytes Jet orders the entries by: the key, then the row pointer.
-Bytes sortBytes(const IndexPageEntry& entry) {
+Bytes indexEntryOrder(const IndexPageEntry& entry) {
     Bytes bytes = entry.key;
     bytes.push_back(static_cast<std::uint8_t>(entry.row.page >> 16));
     bytes.push_back(static_cast<std::uint8_t>(entry.row.page >> 8));
@@ -99,6 +96,8 @@ Bytes sortBytes(const IndexPageEntry& entry) {
     bytes.push_back(static_cast<std::uint8_t>(entry.row.row));
     return bytes;
 }
+
+namespace {
 
 // Reads the pages of one index, each at most once, all of the same table.
 class IndexPageReader {
@@ -166,7 +165,7 @@ std::vector<IndexEntry> readIndexEntries(const PageSource& file, const RealIndex
     Bytes previous;
     for (;;) {
         for (const IndexPageEntry& entry : page.entries()) {
-            Bytes order = sortBytes(entry);
+            Bytes order = indexEntryOrder(entry);
             if (!entries.empty() && !std::lexicographical_compare(previous.begin(), previous.end(),
                                                                   order.begin(), order.end())) {
                 throw Error(where(page.number()) + ": the entry for row " +

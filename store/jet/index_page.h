@@ -48,6 +48,9 @@ private:
     std::vector<IndexPageEntry> entries_;
 };
 
+// The bytes Jet orders an index's entries by: the key, then the row pointer.
+Bytes indexEntryOrder(const IndexPageEntry& entry);
+
 // A key of an index and the row it belongs to.
 struct IndexEntry {
     Bytes key;

@@ -123,16 +123,6 @@ private:
     std::size_t count_ = 0;
 };
 
-// The bytes Jet orders index entries by: the key, then the row pointer.
-Bytes entryOrder(const IndexPageEntry& entry) {
-    Bytes bytes = entry.key;
-    bytes.push_back(static_cast<std::uint8_t>(entry.row.page >> 16));
-    bytes.push_back(static_cast<std::uint8_t>(entry.row.page >> 8));
-    bytes.push_back(static_cast<std::uint8_t>(entry.row.page));
-    bytes.push_back(static_cast<std::uint8_t>(entry.row.row));
-    return bytes;
-}
-
 std::string hex(const Bytes& bytes) {
     static const char* const digits = "0123456789abcdef";
     std::string text;
@@ -714,7 +704,7 @@ private:
         bool first = true;
         for (const IndexPage* leaf : leaves) {
             for (const IndexPageEntry& entry : leaf->entries()) {
-                Bytes sortBytes = entryOrder(entry);
+                Bytes sortBytes = indexEntryOrder(entry);
                 if (!first && !std::lexicographical_compare(previous.begin(), previous.end(),
                                                             sortBytes.begin(), sortBytes.end())) {
                     order.add(name + ": on index " + pageText(leaf->number()) + ", the entry for " +
