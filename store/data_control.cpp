@@ -19,7 +19,7 @@ std::u16string sourceQuery(const std::u16string& source) {
 
 void DataControl::Refresh() {
     if (recordset_.isOpen()) {
-        if (recordset_.editing()) recordset_.update();
+        recordset_.leaveRow();
         recordset_.close();
     }
     if (!connection_.isOpen()) connection_.Open(connectionString);

@@ -32,6 +32,7 @@ public:
 
     // REQUIRES: Refresh() has run.
     Recordset& recordset() { return recordset_; }
+    const Recordset& recordset() const { return recordset_; }
 
 private:
     Connection connection_;

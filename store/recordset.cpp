@@ -120,7 +120,13 @@ bool Recordset::eof() const {
     return view_.empty() || position_ >= static_cast<long>(view_.size());
 }
 
+// A new row none of whose fields was assigned is dropped, not written:
+// leaving it adds no empty row to the table.
 void Recordset::leaveRow() {
+    if (edit_ == Edit::Add && !newRowTouched_) {
+        cancelUpdate();
+        return;
+    }
     if (edit_ != Edit::None) update();
 }
 
@@ -162,6 +168,26 @@ void Recordset::movePrevious() {
     moved();
 }
 
+void Recordset::setAbsolutePosition(long position) {
+    requireOpen();
+    if (position < 1 || position > static_cast<long>(view_.size())) {
+        throw DataError("the position " + std::to_string(position) + " is outside the record set");
+    }
+    leaveRow();
+    position_ = position - 1;
+    currentDeleted_ = false;
+    moved();
+}
+
+jet::Value Recordset::valueAt(long position, std::size_t ordinal) const {
+    requireOpen();
+    if (position < 1 || position > static_cast<long>(view_.size()) || ordinal >= columnNames_.size()) {
+        throw DataError("no value at position " + std::to_string(position));
+    }
+    if (edit_ == Edit::Change && position - 1 == position_ && !currentDeleted_) return buffer_[ordinal];
+    return rows_[view_[static_cast<std::size_t>(position - 1)]].values[ordinal];
+}
+
 std::size_t Recordset::ordinalOf(std::u16string_view name) const {
     for (std::size_t c = 0; c < columnNames_.size(); ++c) {
         if (sql::sameName(columnNames_[c], name)) return c;
@@ -194,6 +220,7 @@ void Recordset::setField(std::size_t ordinal, jet::Value value) {
         edit_ = Edit::Change;
     }
     buffer_[ordinal] = std::move(value);
+    newRowTouched_ = true;
 }
 
 void Recordset::addNew() {
@@ -202,6 +229,7 @@ void Recordset::addNew() {
     if (baseTable_.empty()) throw DataError("the record set cannot be updated: it is not one table's rows");
     buffer_.assign(columnNames_.size(), jet::Value());
     edit_ = Edit::Add;
+    newRowTouched_ = false;
 }
 
 void Recordset::cancelUpdate() {
@@ -249,6 +277,7 @@ void Recordset::update() {
         rows_.push_back(std::move(row));
         // The new row joins the view at its end and becomes current.
         view_.push_back(rows_.size() - 1);
+        ++viewVersion_;
         position_ = static_cast<long>(view_.size()) - 1;
     } else {
         Row& row = rows_[view_[static_cast<std::size_t>(position_)]];
@@ -273,10 +302,12 @@ void Recordset::remove() {
     database().deleteRows(baseTable_, {*row.id});
     row.deleted = true;
     view_.erase(view_.begin() + position_);
+    ++viewVersion_;
     currentDeleted_ = true;
 }
 
 void Recordset::rebuildView() {
+    ++viewVersion_;
     view_.clear();
     for (std::size_t r = 0; r < rows_.size(); ++r) {
         if (rows_[r].deleted) continue;

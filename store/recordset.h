@@ -52,17 +52,35 @@ public:
     void moveLast();
 
     const std::vector<std::u16string>& fieldNames() const { return columnNames_; }
+    const std::vector<jet::ColumnType>& fieldTypes() const { return columnTypes_; }
     // Fails for a name the source lacks, and when there is no current row.
     jet::Value field(std::u16string_view name) const;
     jet::Value field(std::size_t ordinal) const;
     void setField(std::u16string_view name, jet::Value value);
     void setField(std::size_t ordinal, jet::Value value);
 
+    // The original's AbsolutePosition assignment: makes the row at 1-based
+    // position current, writing the pending edit of the row it leaves.
+    void setAbsolutePosition(long position);
+    // A value of the row at 1-based position under the present filter and
+    // sort, without moving: what a grid paints. The current row shows its
+    // edit buffer.
+    jet::Value valueAt(long position, std::size_t ordinal) const;
+
+    // What leaving the current row does to its pending edit: writes it, or
+    // drops a new row none of whose fields was assigned. Refresh and a
+    // window going down call it.
+    void leaveRow();
+
     void addNew();
     void update();
     void cancelUpdate();
     void remove();  // the original's Delete
     bool editing() const { return edit_ != Edit::None; }
+    bool addingNew() const { return edit_ == Edit::Add; }
+    // Changes whenever the rows in view change: a filter, a sort, an open, a
+    // row added or deleted. Grids compare it to know when to repaint whole.
+    unsigned long viewVersion() const { return viewVersion_; }
 
     // A text narrows the rows and moves to the first; an invalid text fails
     // and leaves the old filter. clearFilter() is the original's Filter = 0.
@@ -88,7 +106,6 @@ private:
     void requireCurrent() const;
     std::size_t ordinalOf(std::u16string_view name) const;
     void rebuildView();
-    void leaveRow();
     void moved();
     void checkUnchanged(const Row& row) const;
     jet::Database& database() const;
@@ -108,6 +125,8 @@ private:
     sql::Filter::Binding filterBinding_;  // filter_ checked against the columns
     std::vector<std::pair<std::size_t, bool>> sort_;  // column, ascending
     Edit edit_ = Edit::None;
+    bool newRowTouched_ = false;  // a field of the new row was assigned
+    unsigned long viewVersion_ = 0;
     std::vector<jet::Value> buffer_;  // the edit buffer of the current or new row
 };
 
