@@ -1,0 +1,109 @@
+// The main window's permit list: narrowing IZINLER by month, class, number
+// or name, and deleting one permit or all in view.
+
+#include "shell/clock.h"
+#include "shell/form1.h"
+#include "shell/kit/failure_modes.h"
+#include "shell/kit/message_box.h"
+#include "shell/kit/vb_number.h"
+
+namespace shell {
+namespace {
+
+std::u16string text(const QString& filter) { return filter.toStdU16String(); }
+
+}  // namespace
+
+void Form1::Option1_Click() {
+    izinler.Recordset().clearFilter();
+    izinler.Refresh();
+    DataGrid4->Refresh();
+    Label16->setText(QString::number(izinler.Recordset().recordCount()));
+}
+
+// Narrows what the record set holds, without reloading it.
+void Form1::Option2_Click() {
+    const QDate day = today();
+    izinler.Recordset().setFilter(text(QStringLiteral("yıl=") + QString::number(day.year()) + QStringLiteral(" and ") +
+                                       QStringLiteral("ay=") + QString::number(day.month())));
+    Label16->setText(QString::number(izinler.Recordset().recordCount()));
+}
+
+void Form1::Combo3_Click() {
+    kit::skip([this] {
+        const QString item = Combo3->currentText();
+        if (item == QStringLiteral("Tümü") || item == QStringLiteral("TÜMÜ")) {
+            izinler.Recordset().clearFilter();
+            izinler.Refresh();
+        } else {
+            izinler.Recordset().setFilter(text(QStringLiteral(" SINIF = '") + item + QStringLiteral("'")));
+        }
+    });
+}
+
+// No error handling: an apostrophe ends the program.
+void Form1::Text3_Change() {
+    if (Text3->text().isEmpty()) {
+        Command3_Click();
+    } else {
+        izinler.Recordset().setFilter(text(QStringLiteral(" Adi like '") + Text3->text().trimmed() + QStringLiteral("%'")));
+    }
+}
+
+void Form1::Text7_Change() {
+    if (Text7->text().isEmpty()) {
+        Command3_Click();
+    } else {
+        izinler.Recordset().setFilter(
+            text(QStringLiteral(" Soyadi like '") + Text7->text().trimmed() + QStringLiteral("%'")));
+    }
+}
+
+void Form1::Text4_Change() {
+    kit::skip([this] {
+        if (Text4->text().isEmpty()) {
+            Command3_Click();
+        } else {
+            izinler.Recordset().setFilter(text(QStringLiteral(" Numara like ") + Text4->text()));
+        }
+    });
+}
+
+void Form1::Text8_Change() {
+    kit::skip([this] {
+        if (Text8->text().isEmpty()) {
+            izinler.Recordset().clearFilter();
+            izinler.Refresh();
+        } else {
+            izinler.Recordset().setFilter(text(QStringLiteral("TCKimlikno=") + kit::plainNumber(kit::Val(Text8->text()))));
+        }
+    });
+}
+
+void Form1::Command5_Click() {
+    const int answer = kit::MsgBox(QStringLiteral("Seçili kayıt silinsin mi?"), 36);
+    kit::silentExit([&] {
+        if (answer == kit::vbYes) izinler.Recordset().remove();
+        // Reloaded for either answer, so a No also drops the filter.
+        izinler.Refresh();
+        izinler.Refresh();
+    });
+}
+
+// From the current row on, as many rounds as the filtered count: rows above
+// the start stay, and rounds beyond the end fail and are passed over.
+void Form1::Command4_Click() {
+    const int answer = kit::MsgBox(QStringLiteral("Tüm seçili kayıtlar silinsin mi?"), 36);
+    if (answer == kit::vbYes) {
+        long rounds = 0;
+        kit::skip([&] { rounds = izinler.Recordset().recordCount(); });
+        for (long round = 0; round < rounds; ++round) {
+            kit::skip([&] { izinler.Recordset().remove(); });
+            kit::skip([&] { izinler.Recordset().moveNext(); });
+        }
+    }
+    kit::skip([&] { izinler.Refresh(); });
+    kit::skip([&] { izinler.Refresh(); });
+}
+
+}  // namespace shell

@@ -1,0 +1,328 @@
+#include "shell/form1.h"
+
+#include <QCloseEvent>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QMenuBar>
+#include <QProcess>
+#include <QVBoxLayout>
+
+#include "shell/clock.h"
+#include "shell/kit/connection_strings.h"
+#include "shell/kit/failure_modes.h"
+#include "shell/load_data_into_file.h"
+#include "shell/months.h"
+#include "shell/platform.h"
+#include "shell/program_state.h"
+#include "store/data_error.h"
+
+namespace shell {
+namespace {
+
+// A text box with the label beside it that names it, for the eye and for
+// assistive technology alike.
+template <class Box>
+Box* labelled(QGridLayout* grid, int row, int column, const QString& caption, Box* box) {
+    auto* label = new QLabel(caption);
+    label->setBuddy(box);
+    grid->addWidget(label, row, column);
+    grid->addWidget(box, row, column + 1);
+    return box;
+}
+
+kit::BoundTextBox* boundBox(kit::DataControl& control, const QString& field) {
+    auto* box = new kit::BoundTextBox;
+    box->bind(control, field);
+    return box;
+}
+
+}  // namespace
+
+Form1::Form1() {
+    setAttribute(Qt::WA_DeleteOnClose);
+    setObjectName(QStringLiteral("Form1"));
+    buildMenu();
+
+    auto* central = new QWidget;
+    auto* layout = new QVBoxLayout(central);
+    layout->addWidget(buildStudentArea());
+    layout->addWidget(buildPermitArea(), 1);
+    setCentralWidget(central);
+
+    // Hidden controls: they hold values, they are not seen.
+    Text12 = new QLineEdit(central);
+    Text12->hide();
+    Text13 = new kit::BoundTextBox(central);
+    Text13->hide();
+    DataGrid2 = new kit::DataGrid(central);
+    DataGrid2->hide();
+    Command2 = new QPushButton(QStringLiteral("Command2"), central);
+    Command2->hide();
+    Command3 = new QPushButton(QStringLiteral("Command2"), central);
+    Command3->hide();
+
+    Text13->bind(Adodc2, QStringLiteral("ID"));
+    DataGrid2->setDataSource(&Adodc1);
+    DataGrid2->setColumns({{QStringLiteral("SINIF"), QStringLiteral("SINIF")}});
+    DataGrid4->setDataSource(&izinler);
+    connectHandlers();
+
+    // The data controls open as the window loads, before its Form_Load;
+    // the bound boxes fill as they open.
+    for (kit::DataControl* control : {&Adodc1, &Adodc2, &ornek, &izinler}) kit::openDataControl(*control);
+    resize(1000, 720);
+    Form_Load();
+}
+
+void Form1::buildMenu() {
+    const auto item = [this](QMenu* parent, const char* name, const QString& caption) {
+        QAction* action = parent->addAction(caption);
+        action->setObjectName(QString::fromLatin1(name));
+        return action;
+    };
+    QMenu* ayar = menuBar()->addMenu(QStringLiteral("Ayarlar"));
+    ayar->setObjectName(QStringLiteral("ayar"));
+    ayarlar = item(ayar, "ayarlar", QStringLiteral("Program ayarları"));
+    ogrencial = item(ayar, "ogrencial", QStringLiteral("e okul öğrenci bilgilerini al"));
+    pyoklama = item(ayar, "pyoklama", QStringLiteral("Yurtsayim öğrenci bilgileri al"));
+    gunduzluduzenle = item(ayar, "gunduzluduzenle", QStringLiteral("Gündüzlü Öğrenci Bilgileri Düzenle"));
+    yatiliduzenle = item(ayar, "yatiliduzenle", QStringLiteral("Yatılı Öğrenci Bilgileri Düzenle"));
+    foto = item(ayar, "foto", QStringLiteral("Fotğraf İşlemleri"));
+    mnhzirla = item(ayar, "mnhzirla", QStringLiteral("Menü hazırlama"));
+    excelal = item(ayar, "excelal", QStringLiteral("Excel den yemek menüsü al"));
+    menu = item(ayar, "menu", QStringLiteral("e-okul Yemek Menüsü Girişi"));
+    kay = item(ayar, "kay", QStringLiteral("Kayan Yazı"));
+    cik = item(ayar, "cik", QStringLiteral("Çıkış"));
+    QMenu* rapor = menuBar()->addMenu(QStringLiteral("Raporlar"));
+    rapor->setObjectName(QStringLiteral("rapor"));
+    kimlikbas = item(rapor, "kimlikbas", QStringLiteral("Öğrenci kimlik basımı"));
+    izinliste = item(rapor, "izinliste", QStringLiteral("Aylara göre yemek izni olanlar listesi"));
+    yemekliste = item(rapor, "yemekliste", QStringLiteral("Aylara göre yemek yiyenler listesi"));
+    ucret = item(rapor, "ucret", QStringLiteral("Aylara göre ücret vermeyenler listesi"));
+    gunliste = item(rapor, "gunliste", QStringLiteral("Günlere göre yemek yiyenler listesi"));
+    gunucret = item(rapor, "gunucret", QStringLiteral("Günlere göre ücret vermeyenler listesi"));
+    ymenulist = item(rapor, "ymenulist", QStringLiteral("Yemek Menüsü"));
+    // Switched off at design, without a handler.
+    rasyon = item(rapor, "rasyon", QStringLiteral("Puantaj"));
+    rasyon->setEnabled(false);
+    about = menuBar()->addAction(QStringLiteral("Hakkında"));
+    about->setObjectName(QStringLiteral("about"));
+}
+
+QWidget* Form1::buildStudentArea() {
+    auto* area = new QWidget;
+    auto* row = new QHBoxLayout(area);
+    row->setContentsMargins(0, 0, 0, 0);
+
+    Frame3 = new QGroupBox(QStringLiteral(" Arama Alanı..."));
+    auto* search = new QGridLayout(Frame3);
+    Combo1 = labelled(search, 0, 0, QStringLiteral("Sınıf  :"), new kit::ComboBox);
+    Combo1->setPlaceholderText(QStringLiteral("Sınıf seçiniz...."));
+    Text10 = labelled(search, 1, 0, QStringLiteral("Ad  :"), new QLineEdit);
+    Text9 = labelled(search, 2, 0, QStringLiteral("Soyad  :"), new QLineEdit);
+    Text11 = labelled(search, 3, 0, QStringLiteral("Okul No  :"), new QLineEdit);
+    Text23 = labelled(search, 4, 0, QStringLiteral("T.C."), new QLineEdit);
+    row->addWidget(Frame3);
+
+    Frame2 = new QGroupBox(QStringLiteral("Öğrenci Bilgileri"));
+    auto* view = new QGridLayout(Frame2);
+    Text1 = labelled(view, 0, 0, QStringLiteral("Adı"), boundBox(ornek, QStringLiteral("ADI")));
+    Text2 = labelled(view, 1, 0, QStringLiteral("Soyadı"), boundBox(ornek, QStringLiteral("SOYADI")));
+    Text5 = labelled(view, 2, 0, QStringLiteral("Okul NO"), boundBox(ornek, QStringLiteral("Numara")));
+    Text6 = labelled(view, 3, 0, QStringLiteral("Sınıfı"), boundBox(ornek, QStringLiteral("SINIF")));
+    Text24 = labelled(view, 4, 0, QStringLiteral("T.C."), boundBox(ornek, QStringLiteral("TCKimlikno")));
+    ornekBar = new kit::NavigationBar(ornek);
+    view->addWidget(ornekBar, 5, 0, 1, 2);
+    Image1 = new QLabel;
+    Image1->setAccessibleName(QStringLiteral("Öğrencinin fotoğrafı"));
+    Image1->setFixedSize(120, 150);
+    Image1->setFrameShape(QFrame::Box);
+    Image1->setScaledContents(true);
+    view->addWidget(Image1, 0, 2, 6, 1);
+    row->addWidget(Frame2, 1);
+
+    auto* registration = new QVBoxLayout;
+    Command1 = new QPushButton(QStringLiteral("İzinlere Aktar"));
+    Command1->setMinimumHeight(48);
+    registration->addWidget(Command1);
+    Label17 = new QLabel(QStringLiteral("Okul No alanından \"Enter\" ile hızlı giriş yapabilirsiniz."));
+    Label17->setWordWrap(true);
+    registration->addWidget(Label17);
+    Label4 = new QLabel(QStringLiteral("Kaydedilecek ay"));
+    Combo2 = new kit::ComboBox;
+    Label4->setBuddy(Combo2);
+    registration->addWidget(Label4);
+    registration->addWidget(Combo2);
+    registration->addStretch();
+    row->addLayout(registration);
+    return area;
+}
+
+QWidget* Form1::buildPermitArea() {
+    auto* area = new QWidget;
+    auto* column = new QVBoxLayout(area);
+    column->setContentsMargins(0, 0, 0, 0);
+
+    auto* top = new QHBoxLayout;
+    Frame1 = new QGroupBox(QStringLiteral(" Arama Alanı..."));
+    auto* search = new QGridLayout(Frame1);
+    Combo3 = labelled(search, 0, 0, QStringLiteral("Sınıf  :"), new kit::ComboBox);
+    Combo3->setPlaceholderText(QStringLiteral("Sınıf seçiniz...."));
+    Text3 = labelled(search, 0, 2, QStringLiteral("Ad  :"), new QLineEdit);
+    Text7 = labelled(search, 0, 4, QStringLiteral("Soyad  :"), new QLineEdit);
+    Text4 = labelled(search, 1, 0, QStringLiteral("Okul No  :"), new QLineEdit);
+    Text8 = labelled(search, 1, 2, QStringLiteral("T.C."), new QLineEdit);
+    top->addWidget(Frame1, 1);
+
+    auto* choices = new QVBoxLayout;
+    Option1 = new QRadioButton(QStringLiteral("Tüm kayıtlar"));
+    Option2 = new QRadioButton(QStringLiteral("Bu ayki kayıtlar"));
+    Label16 = new QLabel;
+    Label16->setAccessibleName(QStringLiteral("Kayıt sayısı"));
+    choices->addWidget(Option1);
+    choices->addWidget(Option2);
+    choices->addWidget(Label16);
+    top->addLayout(choices);
+
+    auto* deletions = new QVBoxLayout;
+    Command5 = new QPushButton(QStringLiteral("Sil"));
+    Command4 = new QPushButton(QStringLiteral("Tümünü Sil"));
+    deletions->addWidget(Command5);
+    deletions->addWidget(Command4);
+    top->addLayout(deletions);
+    column->addLayout(top);
+
+    DataGrid4 = new kit::DataGrid;
+    DataGrid4->setColumns({{QStringLiteral("TCKimlikNo"), QStringLiteral("TCKimlikNo"), true, 2000},
+                           {QStringLiteral("Adi"), QStringLiteral("Adi"), true, 2200},
+                           {QStringLiteral("Soyadi"), QStringLiteral("Soyadi"), true, 2200},
+                           {QStringLiteral("Numara"), QStringLiteral("Numara"), true, 1100},
+                           {QStringLiteral("Sinif"), QStringLiteral("Sinif"), true, 1100},
+                           {QStringLiteral("Cinsiyet"), QStringLiteral("Cinsiyet"), true, 1100},
+                           {QStringLiteral("yıl"), QStringLiteral("yıl"), true, 900}});
+    column->addWidget(DataGrid4, 1);
+    izinlerBar = new kit::NavigationBar(izinler);
+    column->addWidget(izinlerBar);
+    return area;
+}
+
+void Form1::connectHandlers() {
+    kit::on(cik, &QAction::triggered, this, [this] { cik_Click(); });
+    kit::on(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
+    kit::on(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
+
+    kit::on(Combo1, &kit::ComboBox::Click, this, [this] { Combo1_Click(); });
+    kit::on(Text10, &QLineEdit::textChanged, this, [this] { Text10_Change(); });
+    kit::on(Text9, &QLineEdit::textChanged, this, [this] { Text9_Change(); });
+    kit::on(Text11, &QLineEdit::textChanged, this, [this] { Text11_Change(); });
+    kit::on(Text23, &QLineEdit::textChanged, this, [this] { Text23_Change(); });
+    kit::on(Text5, &QLineEdit::textChanged, this, [this] { Text5_Change(); });
+    kit::on(Command1, &QPushButton::clicked, this, [this] { Command1_Click(); });
+    Text11->installEventFilter(this);
+
+    kit::on(Option1, &QRadioButton::toggled, this, [this] {
+        if (Option1->isChecked()) Option1_Click();
+    });
+    kit::on(Option2, &QRadioButton::toggled, this, [this] {
+        if (Option2->isChecked()) Option2_Click();
+    });
+    kit::on(Combo3, &kit::ComboBox::Click, this, [this] { Combo3_Click(); });
+    kit::on(Text3, &QLineEdit::textChanged, this, [this] { Text3_Change(); });
+    kit::on(Text7, &QLineEdit::textChanged, this, [this] { Text7_Change(); });
+    kit::on(Text4, &QLineEdit::textChanged, this, [this] { Text4_Change(); });
+    kit::on(Text8, &QLineEdit::textChanged, this, [this] { Text8_Change(); });
+    kit::on(Command5, &QPushButton::clicked, this, [this] { Command5_Click(); });
+    kit::on(Command4, &QPushButton::clicked, this, [this] { Command4_Click(); });
+    kit::on(DataGrid4, &kit::DataGrid::Click, this, [this] { DataGrid4_Click(); });
+}
+
+// The key press of Text11 as the original's KeyPress event gives it: the
+// character's code, the key itself not swallowed.
+bool Form1::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == Text11 && event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        const int code = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter
+                             ? 13
+                             : (key->text().isEmpty() ? 0 : key->text().at(0).unicode());
+        if (code != 0) kit::bare([this, code] { Text11_KeyPress(code); });
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void Form1::Form_Load() {
+    // Every step is skipped when it fails; the window opens all the same.
+    kit::skip([] {
+        const QString workbook = inAppPath(QStringLiteral("YEMEK_MENUSU.XLS"));
+        if (!FileFolderExists(workbook)) LoadDataIntoFile(101, workbook);
+    });
+    kit::skip([] {
+        const QString architecture = GetOsArchitecture();
+        const QString key32 = QStringLiteral(
+            "SOFTWARE\\Microsoft\\Internet Explorer\\Main\\FeatureControl\\FEATURE_BROWSER_EMULATION");
+        const QString key64 = QStringLiteral(
+            "SOFTWARE\\Wow6432Node\\Microsoft\\Internet Explorer\\Main\\FeatureControl\\FEATURE_BROWSER_EMULATION");
+        if (architecture == QStringLiteral("32")) {
+            RegSetDword(RegistryRoot::LocalMachine, key32, QStringLiteral("sofravan.exe"), 11000);
+        } else if (architecture == QStringLiteral("64")) {
+            RegSetDword(RegistryRoot::LocalMachine, key64, QStringLiteral("sofravan.exe"), 11000);
+        }
+    });
+    kit::skip([this] { setWindowTitle(QStringLiteral("Sofravan ") + versionText()); });
+    kit::skip([this] {
+        store::Recordset& classes = Adodc1.Recordset();
+        for (kit::ComboBox* combo : {Combo1, Combo3}) {
+            combo->addItem(QStringLiteral("Tümü"));
+            const long rounds = classes.recordCount();
+            for (long round = 0; round < rounds; ++round) {
+                // A Null class adds nothing; the round goes on.
+                kit::skip([&] {
+                    const jet::Value name = classes.field(std::size_t{0});
+                    if (name.isNull()) throw store::DataError("invalid use of Null");
+                    combo->addItem(QString::fromStdU16String(name.asText()));
+                });
+                kit::skip([&] { classes.moveNext(); });
+            }
+            kit::skip([&] { classes.moveFirst(); });
+        }
+    });
+    kit::skip([this] {
+        Combo2->addItems(aylar());
+        Combo2->setCurrentText(ayAdi(today().month()));
+    });
+    kit::skip([this] { Label16->setText(QString::number(izinler.Recordset().recordCount())); });
+    kit::skip([this] {
+        if (!baglanti) baglanti = std::make_unique<store::Connection>();
+        if (!kayit) kayit = std::make_unique<store::Recordset>();
+        baglanti->Open(kit::absoluteConnectionString(QStringLiteral("kvl.mdb")).toStdString());
+        kayit->open(u"SELECT* from AYAR", *baglanti, store::CursorType::Keyset, store::LockType::Optimistic, -1);
+        const jet::Value okul = kayit->field(u"OKUL");
+        kayit->close();
+        baglanti->Close();
+        kayit.reset();
+        baglanti.reset();
+        Text12->setText(okul.isNull() ? QString() : QString::fromStdU16String(okul.asText()));
+    });
+    // The update check comes with its own window; without a network it is
+    // skipped as the original skips it.
+}
+
+void Form1::closeEvent(QCloseEvent* event) {
+    kit::bare([this] { Form_Unload(); });
+    event->accept();
+}
+
+void Form1::Form_Unload() {
+    if (yenisurumvar) {
+        QProcess::startDetached(inAppPath(QStringLiteral("tazele.exe")), {QStringLiteral("-z")}, appPath());
+    }
+    ProgramiKapat();
+}
+
+void Form1::cik_Click() { ProgramiKapat(); }
+
+void Form1::Command2_Click() { ornek.Refresh(); }
+
+void Form1::Command3_Click() { izinler.Refresh(); }
+
+}  // namespace shell

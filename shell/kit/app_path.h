@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+namespace kit {
+
+// The program's folder, the original's App.Path: where the school's file,
+// the sample workbook and the fixed pictures lie.
+QString appPath();
+
+// App.Path joined with a file name where the original wrote App.Path & "\x".
+QString inAppPath(const QString& fileName);
+
+// Tests run the windows on a folder of their own; an empty text goes back
+// to the executable's folder.
+void setAppPathForTests(const QString& folder);
+
+}  // namespace kit

@@ -1,0 +1,62 @@
+#include "shell/kit/failure_modes.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "shell/kit/message_box.h"
+#include "store/data_error.h"
+
+namespace kit {
+namespace {
+
+// Errors of the data layer carry the provider's number for a failed
+// command, anything else the platform's "invalid procedure call".
+QString errorNumber(const std::exception& error) {
+    if (dynamic_cast<const jet::Error*>(&error) != nullptr) return QStringLiteral("-2147217900 (80040e14)");
+    return QStringLiteral("5");
+}
+
+}  // namespace
+
+void bare(const std::function<void()>& handler) {
+    try {
+        handler();
+    } catch (const std::exception& error) {
+        runTimeErrorReport(error);
+    }
+}
+
+void skip(const std::function<void()>& statement) {
+    try {
+        statement();
+    } catch (const std::exception&) {
+        // Passed over: the handler's next statement runs.
+    }
+}
+
+void silentExit(const std::function<void()>& handler) {
+    try {
+        handler();
+    } catch (const std::exception&) {
+        // The handler ends here, with what it did so far.
+    }
+}
+
+void fixedMessage(const std::function<void()>& handler, const QString& message, int style) {
+    try {
+        handler();
+    } catch (const std::exception&) {
+        MsgBox(message, style);
+    }
+}
+
+void runTimeErrorReport(const std::exception& error) {
+    const QString text = QStringLiteral("Run-time error '%1':\n\n%2")
+                             .arg(errorNumber(error), QString::fromUtf8(error.what()));
+    std::fputs(text.toLocal8Bit().constData(), stderr);
+    std::fputs("\n", stderr);
+    MsgBox(text, 16);
+    std::_Exit(1);
+}
+
+}  // namespace kit

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QMap>
+#include <QString>
+
+namespace kit {
+
+// One column of a data grid, as the grid's design gives it.
+struct GridColumn {
+    QString caption;
+    QString dataField;
+    bool visible = true;
+    int widthTwips = 1500;
+    // Shown instead of a cell's text when it has an entry: "4" → "NİSAN".
+    // Typing a shown text back stores its key.
+    QMap<QString, QString> valueItems;
+};
+
+// Twips to pixels at the 96 dots per inch the original's windows assumed.
+inline int twipsToPixels(int twips) { return twips / 15; }
+
+}  // namespace kit

@@ -1,0 +1,77 @@
+#include "shell/platform.h"
+
+#include <cstdlib>
+#include <memory>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QNetworkInformation>
+#include <QSettings>
+#include <QSysInfo>
+
+namespace shell {
+namespace {
+
+QString registryPath(RegistryRoot root, const QString& subKey) {
+    const QString rootName = root == RegistryRoot::LocalMachine ? QStringLiteral("HKEY_LOCAL_MACHINE")
+                                                                : QStringLiteral("HKEY_CURRENT_USER");
+    return rootName + QLatin1Char('\\') + subKey;
+}
+
+// On Windows the real registry; elsewhere an INI file of the program's
+// settings in which the key path is the group.
+std::unique_ptr<QSettings> registryStore(RegistryRoot root, const QString& subKey) {
+#ifdef Q_OS_WIN
+    return std::make_unique<QSettings>(registryPath(root, subKey), QSettings::NativeFormat);
+#else
+    auto store = std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope,
+                                             QStringLiteral("Sofravan"), QStringLiteral("registry"));
+    store->beginGroup(registryPath(root, subKey).replace(QLatin1Char('\\'), QLatin1Char('/')));
+    return store;
+#endif
+}
+
+}  // namespace
+
+bool FileFolderExists(const QString& path) {
+    return !path.isEmpty() && !QFileInfo(path).fileName().isEmpty() && QFileInfo::exists(path);
+}
+
+bool DosyaVarmi(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return false;
+    file.close();
+    return true;
+}
+
+bool internetvarmi() {
+    if (!QNetworkInformation::loadDefaultBackend()) return false;
+    const QNetworkInformation* network = QNetworkInformation::instance();
+    return network != nullptr && network->reachability() == QNetworkInformation::Reachability::Online;
+}
+
+void RegSetDword(RegistryRoot root, const QString& subKey, const QString& valueName, std::uint32_t value) {
+    const auto store = registryStore(root, subKey);
+    store->setValue(valueName, static_cast<qulonglong>(value));
+    store->sync();
+}
+
+qint64 RegGetDword(RegistryRoot root, const QString& subKey, const QString& valueName) {
+    const auto store = registryStore(root, subKey);
+    bool ok = false;
+    const qint64 value = store->value(valueName).toLongLong(&ok);
+    return ok ? value : -1;
+}
+
+QString GetOsArchitecture() {
+    const QString cpu = QSysInfo::currentCpuArchitecture();
+    if (cpu.contains(QStringLiteral("64"))) return QStringLiteral("64");
+    if (cpu == QStringLiteral("i386") || cpu == QStringLiteral("arm")) return QStringLiteral("32");
+    return cpu;
+}
+
+void ProgramiKapat() { std::_Exit(0); }
+
+}  // namespace shell

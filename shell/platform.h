@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+
+#include <QString>
+
+#include "shell/kit/app_path.h"
+
+namespace shell {
+
+using kit::appPath;
+using kit::inAppPath;
+
+// A directory-style lookup of the path: files and folders both count. Any
+// error gives false.
+bool FileFolderExists(const QString& path);
+// True when the file can be opened for reading; any error gives false.
+bool DosyaVarmi(const QString& path);
+
+// Whether the computer is online, by the platform's own view of its
+// network. Without a way to tell, false.
+bool internetvarmi();
+
+// A DWORD under a registry root key; on platforms without a registry, in
+// the program's own settings store under the same names. Failures are
+// ignored.
+enum class RegistryRoot { CurrentUser, LocalMachine };
+void RegSetDword(RegistryRoot root, const QString& subKey, const QString& valueName, std::uint32_t value);
+// For checks: the value written, or -1.
+qint64 RegGetDword(RegistryRoot root, const QString& subKey, const QString& valueName);
+
+// "32" or "64" for the operating system's word size, other text when the
+// platform tells neither.
+QString GetOsArchitecture();
+
+// Ends the own process at once, exit code 0: nothing is closed or saved.
+[[noreturn]] void ProgramiKapat();
+
+}  // namespace shell

@@ -1,0 +1,183 @@
+// The main window as a clerk uses it: find a student, press Enter, see the
+// permit saved where the gate program reads it.
+
+#include <QTest>
+
+#include "shell/clock.h"
+#include "shell/form1.h"
+#include "shell/window_registry.h"
+#include "store/jet/database.h"
+#include "store/jet/text.h"
+#include "tests/shell/window_driver.h"
+
+namespace {
+
+using jet::testing::readRows;
+using jet::testing::runCommand;
+using jet::testing::shellQuote;
+using windows::testing::kvlFixture;
+using windows::testing::MessageBoxAnswerer;
+using windows::testing::SchoolFolder;
+
+std::size_t columnOf(const jet::Database& database, const char16_t* table, const char16_t* name) {
+    const jet::TableDefinition definition = database.table(table);
+    for (std::size_t c = 0; c < definition.columns.size(); ++c) {
+        if (definition.columns[c].name == name) return c;
+    }
+    throw std::runtime_error("no column");
+}
+
+std::vector<std::vector<jet::Value>> permits(const std::filesystem::path& file) {
+    return readRows(jet::Database(file.string()), u"IZINLER");
+}
+
+// A student whose school number is his alone.
+struct Student {
+    int numara = 0;
+    double tc = 0;
+};
+
+Student uniqueStudent(const std::filesystem::path& file) {
+    const jet::Database database(file.string());
+    const auto rows = readRows(database, u"ORNEK");
+    const std::size_t numara = columnOf(database, u"ORNEK", u"Numara");
+    const std::size_t tc = columnOf(database, u"ORNEK", u"TCKimlikNo");
+    for (const auto& row : rows) {
+        if (row[numara].isNull() || row[tc].isNull()) continue;
+        const auto same = std::count_if(rows.begin(), rows.end(), [&](const auto& other) {
+            return !other[numara].isNull() && other[numara].asInteger() == row[numara].asInteger();
+        });
+        if (same == 1) return {row[numara].asInteger(), row[tc].asDouble()};
+    }
+    throw std::runtime_error("no student with a number of his own");
+}
+
+class MainWindow : public ::testing::Test {
+protected:
+    void SetUp() override {
+        SKIP_WITHOUT_FIXTURES();
+        folder_ = std::make_unique<SchoolFolder>(kvlFixture());
+        shell::setTodayForTests(QDate(2027, 3, 10));
+    }
+    void TearDown() override {
+        if (shell::isLoaded<shell::Form1>()) delete &shell::instance<shell::Form1>();
+        shell::setTodayForTests(QDate());
+        folder_.reset();
+    }
+    shell::Form1& open() {
+        shell::Form1& form = shell::instance<shell::Form1>();
+        form.show();
+        return form;
+    }
+    void quickEntry(shell::Form1& form, int numara) {
+        form.Text11->clear();
+        QTest::keyClicks(form.Text11, QString::number(numara));
+        QTest::keyClick(form.Text11, Qt::Key_Return);
+    }
+
+    std::unique_ptr<SchoolFolder> folder_;
+};
+
+TEST_F(MainWindow, QuickEntryRegistersOncePerMonthWhateverCombo2Shows) {
+    const Student student = uniqueStudent(folder_->database());
+    const std::size_t before = permits(folder_->database()).size();
+    shell::Form1& form = open();
+    EXPECT_EQ(form.Combo2->currentText(), QStringLiteral("MART"));
+    form.Combo2->setCurrentIndex(7);  // Combo2 is never read
+    form.Option2->setChecked(true);
+
+    MessageBoxAnswerer answerer;
+    quickEntry(form, student.numara);
+    auto rows = permits(folder_->database());
+    ASSERT_EQ(rows.size(), before + 1);
+    jet::Database database(folder_->database().string());
+    const auto column = [&](const char16_t* name) { return columnOf(database, u"IZINLER", name); };
+    EXPECT_EQ(rows.back()[column(u"Numara")].asInteger(), student.numara);
+    EXPECT_EQ(rows.back()[column(u"TCKimlikNo")].asDouble(), student.tc);
+    EXPECT_EQ(rows.back()[column(u"ay")].asInteger(), 3);
+    EXPECT_EQ(rows.back()[column(u"yıl")].asInteger(), 2027);
+    EXPECT_TRUE(answerer.seen.isEmpty());
+    EXPECT_TRUE(form.Option1->isChecked());
+    EXPECT_EQ(form.Label16->text(), QString::number(before + 1));
+    EXPECT_EQ(form.DataGrid4->model().rowCount(), static_cast<int>(before + 1));
+
+    // The same student again in the same month: a message, no row.
+    quickEntry(form, student.numara);
+    EXPECT_EQ(answerer.seen, QStringList{QStringLiteral("Öğrenci daha önce bu ay için kaydedilmiş.")});
+    EXPECT_EQ(permits(folder_->database()).size(), before + 1);
+
+    // On the first of the next month the student is registered anew.
+    shell::setTodayForTests(QDate(2027, 4, 1));
+    quickEntry(form, student.numara);
+    rows = permits(folder_->database());
+    ASSERT_EQ(rows.size(), before + 2);
+    EXPECT_EQ(rows.back()[column(u"ay")].asInteger(), 4);
+
+    // Another reader sees both rows.
+    const std::string csv = runCommand("mdb-export " + shellQuote(folder_->database().string()) + " IZINLER");
+    const std::string tc = std::to_string(static_cast<long long>(student.tc));
+    EXPECT_NE(csv.find(tc + ",", csv.find(tc + ",") + 1), std::string::npos) << csv.substr(0, 400);
+}
+
+TEST_F(MainWindow, NumbersThatAreNoStudentOrNoNumberSaveNothing) {
+    const std::size_t before = permits(folder_->database()).size();
+    shell::Form1& form = open();
+    MessageBoxAnswerer answerer;
+    quickEntry(form, 98765432);
+    EXPECT_TRUE(answerer.seen.isEmpty());
+    QTest::keyClick(form.Text11, Qt::Key_Backspace);
+    form.Text11->clear();
+    QTest::keyClick(form.Text11, Qt::Key_Return);  // Enter in an empty box
+    QTest::keyClicks(form.Text11, QStringLiteral("12a"));
+    EXPECT_EQ(answerer.seen.value(0), QStringLiteral("Rakam&Sayı giriniz."));
+    QTest::keyClick(form.Text11, Qt::Key_Return);
+    EXPECT_EQ(permits(folder_->database()).size(), before);
+
+    // The begun row of the failed click is not written by a later one.
+    quickEntry(form, uniqueStudent(folder_->database()).numara);
+    EXPECT_EQ(permits(folder_->database()).size(), before + 1);
+}
+
+TEST_F(MainWindow, SearchBoxesNarrowTheRosterEachOnItsOwn) {
+    shell::Form1& form = open();
+    store::Recordset& roster = form.ornek.Recordset();
+    const long all = roster.recordCount();
+    QTest::keyClicks(form.Text10, QStringLiteral("  ay"));
+    EXPECT_EQ(QString::fromStdU16String(roster.filter()), QStringLiteral(" Adi like 'ay%'"));
+    const long prefix = roster.recordCount();
+    EXPECT_GT(prefix, 0);
+    EXPECT_LT(prefix, all);
+    EXPECT_TRUE(form.Text1->text().startsWith(QStringLiteral("Ay"), Qt::CaseInsensitive)) << form.Text1->text().toStdString();
+
+    // Clearing the box reloads the whole table; the other boxes keep theirs.
+    form.Text9->setText(QStringLiteral("x"));
+    form.Text10->clear();
+    EXPECT_EQ(roster.recordCount(), all);
+    EXPECT_EQ(form.Text9->text(), QStringLiteral("x"));
+
+    const QString someClass = form.Combo1->itemText(1);
+    form.Combo1->setListIndex(1);
+    EXPECT_EQ(QString::fromStdU16String(roster.filter()), QStringLiteral(" SINIF = '") + someClass + "'");
+    EXPECT_EQ(form.Text6->text(), someClass);
+    form.Combo1->setListIndex(0);  // "Tümü"
+    EXPECT_EQ(roster.recordCount(), all);
+
+    const Student student = uniqueStudent(folder_->database());
+    form.Text23->setText(QString::number(static_cast<long long>(student.tc)));
+    EXPECT_EQ(roster.recordCount(), 1);
+    EXPECT_EQ(form.Text5->text(), QString::number(student.numara));
+}
+
+// An apostrophe breaks the name filter; the handler has no error handling,
+// so the run-time error report ends the program.
+TEST_F(MainWindow, ApostropheInTheNameBoxEndsTheProgram) {
+    shell::Form1& form = open();
+    EXPECT_EXIT(
+        {
+            MessageBoxAnswerer answerer;
+            QTest::keyClicks(form.Text10, QStringLiteral("O'"));
+        },
+        ::testing::ExitedWithCode(1), "Run-time error");
+}
+
+}  // namespace

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <filesystem>
+
+#include <QStringList>
+#include <QTimer>
+
+#include "tests/store/jet/test_files.h"
+
+namespace windows::testing {
+
+// A copy of a school's file in a folder of its own, which is the program's
+// folder and the working folder while the object lives.
+class SchoolFolder {
+public:
+    explicit SchoolFolder(const std::filesystem::path& database);
+    ~SchoolFolder();
+    SchoolFolder(const SchoolFolder&) = delete;
+    SchoolFolder& operator=(const SchoolFolder&) = delete;
+
+    const std::filesystem::path& path() const { return folder_.path(); }
+    std::filesystem::path database() const { return folder_.path() / "kvl.mdb"; }
+
+private:
+    jet::testing::TempDir folder_;
+    std::filesystem::path previous_;
+};
+
+// Answers every message box that comes up while it lives with the button
+// of the given caption, as a user would, and keeps the texts it saw.
+class MessageBoxAnswerer {
+public:
+    explicit MessageBoxAnswerer(QString button = QStringLiteral("Tamam"));
+    QStringList seen;
+
+private:
+    QString button_;
+    QTimer timer_;
+};
+
+// The fixture school's file, or an empty path without the fixtures.
+std::filesystem::path kvlFixture();
+
+}  // namespace windows::testing
