@@ -27,12 +27,15 @@ bool isLoaded() {
 }
 
 // The original's Unload: the window goes down and its instance with it.
+// The object itself goes when the event loop next runs, since the call may
+// come from inside one of its own handlers (the splash's timer).
 template <class Window>
 void unload() {
     QPointer<Window>& window = defaultInstanceSlot<Window>();
     if (window) {
-        window->close();
-        delete window;
+        window->hide();
+        window->deleteLater();
+        window = nullptr;
     }
 }
 

@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QMessageBox>
+#include <QTest>
 
 #include "shell/kit/app_path.h"
 
@@ -33,6 +34,13 @@ MessageBoxAnswerer::MessageBoxAnswerer(QString button) : button_(std::move(butto
         }
     });
     timer_.start();
+}
+
+void type(QWidget* widget, const QString& text) {
+    for (const QChar character : text) {
+        QTest::sendKeyEvent(QTest::Press, widget, Qt::Key_unknown, QString(character), Qt::NoModifier);
+        QTest::sendKeyEvent(QTest::Release, widget, Qt::Key_unknown, QString(character), Qt::NoModifier);
+    }
 }
 
 std::filesystem::path kvlFixture() {

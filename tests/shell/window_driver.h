@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include <QStringList>
+#include <QWidget>
 #include <QTimer>
 
 #include "tests/store/jet/test_files.h"
@@ -37,6 +38,10 @@ private:
     QString button_;
     QTimer timer_;
 };
+
+// Types the text into the widget key by key, as a user would; Turkish
+// letters included.
+void type(QWidget* widget, const QString& text);
 
 // The fixture school's file, or an empty path without the fixtures.
 std::filesystem::path kvlFixture();

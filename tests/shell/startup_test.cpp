@@ -1,0 +1,103 @@
+// From the splash to the main window: with and without a password, with a
+// Null password, without a database.
+
+#include <QTest>
+
+#include "shell/form1.h"
+#include "shell/form9.h"
+#include "shell/frm_splash.h"
+#include "shell/kit/connection_strings.h"
+#include "shell/kit/failure_modes.h"
+#include "shell/scramble.h"
+#include "shell/window_registry.h"
+#include "store/connection.h"
+#include "store/recordset.h"
+#include "tests/shell/window_driver.h"
+
+namespace {
+
+using windows::testing::kvlFixture;
+using windows::testing::MessageBoxAnswerer;
+using windows::testing::SchoolFolder;
+
+void setPassword(const jet::Value& stored) {
+    store::Connection connection;
+    connection.Open(kit::relativeConnectionString().toStdString());
+    store::Recordset settings;
+    settings.open(u"select* from AYAR", connection);
+    settings.setField(u"SIFRE", stored);
+    settings.update();
+}
+
+class StartUp : public ::testing::Test {
+protected:
+    void SetUp() override {
+        SKIP_WITHOUT_FIXTURES();
+        folder_ = std::make_unique<SchoolFolder>(kvlFixture());
+    }
+    void TearDown() override {
+        if (shell::isLoaded<shell::Form1>()) delete &shell::instance<shell::Form1>();
+        if (shell::isLoaded<shell::Form9>()) delete &shell::instance<shell::Form9>();
+        if (shell::isLoaded<shell::frmSplash>()) delete &shell::instance<shell::frmSplash>();
+        // Windows unloaded during the test go with the events they left.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        folder_.reset();
+    }
+    std::unique_ptr<SchoolFolder> folder_;
+};
+
+TEST_F(StartUp, SplashLeadsToTheMainWindowWhenNoPasswordIsSet) {
+    setPassword(jet::Value::text(u""));
+    shell::instance<shell::frmSplash>().show();
+    EXPECT_EQ(shell::instance<shell::frmSplash>().lblVersion->text(), QStringLiteral("Version 1.0.15"));
+    ASSERT_TRUE(QTest::qWaitFor([] { return shell::isLoaded<shell::Form1>(); }, 6000));
+    EXPECT_FALSE(shell::isLoaded<shell::frmSplash>());
+    EXPECT_FALSE(shell::isLoaded<shell::Form9>());
+    shell::Form1& form = shell::instance<shell::Form1>();
+    EXPECT_EQ(form.windowTitle(), QStringLiteral("Sofravan 1.0.15"));
+    EXPECT_FALSE(form.Text12->text().isEmpty());  // the school's name
+    EXPECT_EQ(form.Combo1->itemText(0), QStringLiteral("Tümü"));
+    EXPECT_EQ(form.Combo1->count(), form.Combo3->count());
+    // The sample workbook is written beside the program.
+    EXPECT_TRUE(std::filesystem::exists(folder_->path() / "YEMEK_MENUSU.XLS"));
+}
+
+TEST_F(StartUp, NullPasswordOpensTheMainWindowAndASetOneAsksForIt) {
+    setPassword(jet::Value());
+    shell::sifrevarmi();
+    EXPECT_TRUE(shell::isLoaded<shell::Form1>());
+    delete &shell::instance<shell::Form1>();
+
+    setPassword(jet::Value::text(shell::sifrele(shell::scrambleKey, u"Şifre1").toStdU16String()));
+    shell::sifrevarmi();
+    ASSERT_TRUE(shell::isLoaded<shell::Form9>());
+    EXPECT_FALSE(shell::isLoaded<shell::Form1>());
+    shell::Form9& login = shell::instance<shell::Form9>();
+    EXPECT_EQ(login.windowTitle(), QStringLiteral("Giriş"));
+
+    MessageBoxAnswerer answerer;
+    windows::testing::type(login.Text1, QStringLiteral("şifre1"));  // case counts
+    QTest::mouseClick(login.Command1, Qt::LeftButton);
+    EXPECT_EQ(answerer.seen, QStringList{QStringLiteral("Giriş başarısız!")});
+    EXPECT_TRUE(login.Text1->text().isEmpty());
+    EXPECT_FALSE(shell::isLoaded<shell::Form1>());
+
+    windows::testing::type(login.Text1, QStringLiteral("Şifre1"));
+    QTest::keyClick(login.Text1, Qt::Key_Return);
+    EXPECT_TRUE(shell::isLoaded<shell::Form1>());
+    EXPECT_FALSE(shell::isLoaded<shell::Form9>());
+    EXPECT_EQ(answerer.seen.size(), 1);
+}
+
+// No message of the program's own: the platform's report, then the end.
+TEST_F(StartUp, MissingDatabaseEndsThroughTheRunTimeErrorReport) {
+    std::filesystem::remove(folder_->database());
+    EXPECT_EXIT(
+        {
+            MessageBoxAnswerer answerer;
+            kit::bare([] { shell::sifrevarmi(); });
+        },
+        ::testing::ExitedWithCode(1), "Run-time error");
+}
+
+}  // namespace
