@@ -301,14 +301,10 @@ private:
         bool trailingSign = false;
         while (pos_ < text_.size()) {
             const QChar c = at(0);
-            if (decimal && c == thousandsSeparator) {
+            const bool sign = (c == u'+' && !leadingPlus_) || (c == u'-' && !leadingMinus_);
+            if ((decimal && c == thousandsSeparator) || isParserBlank(c)) {
                 ++pos_;
-            } else if (isParserBlank(c)) {
-                ++pos_;
-            } else if (c == u'+' && !leadingPlus_ && !trailingSign) {
-                trailingSign = true;
-                ++pos_;
-            } else if (c == u'-' && !leadingMinus_ && !trailingSign) {
+            } else if (sign && !trailingSign) {
                 trailingSign = true;
                 ++pos_;
             } else if (c == u')' && parenOpen_ && !parenClosed_) {
