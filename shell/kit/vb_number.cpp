@@ -1,6 +1,7 @@
 #include "shell/kit/vb_number.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -186,7 +187,9 @@ namespace {
 // Number characters of the Turkish locale, as the system's parser sees them.
 constexpr char16_t decimalSeparator = u',';
 constexpr char16_t thousandsSeparator = u'.';
-constexpr QStringView currencySymbol = u"TL";
+// Turkish Windows wrote the lira as "TL" until the lira sign came in 2012
+// and as "₺" since; a text with either passes.
+constexpr std::array<QStringView, 2> currencySymbols = {u"TL", u"₺"};
 
 bool isParserBlank(QChar c) {
     return c == u' ' || (c >= u'\t' && c <= u'\r') || c == QChar(0x00A0);
@@ -211,7 +214,15 @@ private:
         return pos_ + offset < text_.size() ? text_[pos_ + offset] : QChar();
     }
 
-    bool atCurrency() const { return text_.mid(pos_).startsWith(currencySymbol); }
+    // The length of the currency symbol at the current position, or 0.
+    qsizetype currencyHere() const {
+        for (const QStringView symbol : currencySymbols) {
+            if (text_.mid(pos_).startsWith(symbol)) {
+                return symbol.size();
+            }
+        }
+        return 0;
+    }
 
     void readLeadingSymbols() {
         while (pos_ < text_.size()) {
@@ -232,9 +243,9 @@ private:
             } else if (c == u'(' && !parenOpen_) {
                 parenOpen_ = true;
                 ++pos_;
-            } else if (!currencySeen_ && atCurrency()) {
+            } else if (!currencySeen_ && currencyHere() > 0) {
                 currencySeen_ = true;
-                pos_ += currencySymbol.size();
+                pos_ += currencyHere();
             } else {
                 return;
             }
@@ -310,8 +321,8 @@ private:
             } else if (c == u')' && parenOpen_ && !parenClosed_) {
                 parenClosed_ = true;
                 ++pos_;
-            } else if (decimal && atCurrency()) {
-                pos_ += currencySymbol.size();
+            } else if (decimal && currencyHere() > 0) {
+                pos_ += currencyHere();
             } else {
                 break;
             }

@@ -29,7 +29,8 @@ double Val(QStringView text);
 
 // The runtime's IsNumeric for a text, on a Turkish Windows. The runtime
 // hands the text to the system's number parser with the user's locale:
-// decimal separator ",", thousands separator ".", currency symbol "TL".
+// decimal separator ",", thousands separator ".", currency symbol "TL"
+// (or "₺", which later Windows versions use).
 // True when the whole text is one number in that form:
 // - blanks (space, tab, line breaks, no-break space) before and after;
 // - one "+" or "-" before or after the number, or parentheses around it;

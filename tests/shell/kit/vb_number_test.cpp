@@ -58,10 +58,9 @@ TEST(VbNumberTest, ValReadsTheLeadingNumberWithAPoint) {
 
 TEST(VbNumberTest, IsNumericFollowsTheTurkishNumberFormat) {
     const char16_t* numeric[] = {
-        u"123",   u" 12 ",  u"1,5",     u",5",      u"5,",         u"1.5",  u"1.000",
-        u"1.2.3", u"1,5.3", u"1e3",     u"1,5E-3",  u"&H10",       u"&hff", u"&O17",
-        u"+5",    u"-5",    u"5-",      u"5+",      u"(5)",        u"- 5",  u"12TL",
-        u"TL12",  u"0",     u"\t7\r\n", u"\u00A05", u"&HFFFFFFFF",
+        u"123", u" 12 ",   u"1,5",  u",5",   u"5,",   u"1.5", u"1.000",   u"1.2.3",   u"1,5.3",
+        u"1e3", u"1,5E-3", u"&H10", u"&hff", u"&O17", u"+5",  u"-5",      u"5-",      u"5+",
+        u"(5)", u"- 5",    u"12TL", u"TL12", u"-5₺",  u"0",   u"\t7\r\n", u"\u00A05", u"&HFFFFFFFF",
     };
     for (const char16_t* text : numeric) {
         EXPECT_TRUE(kit::IsNumeric(text)) << QString::fromUtf16(text).toStdString();
