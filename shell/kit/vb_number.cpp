@@ -40,6 +40,7 @@ struct DecimalDigits {
     std::string digits;
     long long digitsAfterPoint = 0;
     long long exponent = 0;
+    bool negativeExponent = false;
 
     void addExponentDigit(QChar c) {
         // Beyond this any number is out of a Double's range anyway.
@@ -50,14 +51,14 @@ struct DecimalDigits {
 
 // The value of the digits, or nothing when it is too large for a Double.
 // A value too small for a Double is 0.
-std::optional<double> decimalValue(const DecimalDigits& number, bool negativeExponent) {
+std::optional<double> decimalValue(const DecimalDigits& number) {
     const std::size_t firstSignificant = number.digits.find_first_not_of('0');
     if (firstSignificant == std::string::npos) {
         return 0.0;
     }
     const std::string significant = number.digits.substr(firstSignificant);
     const long long power =
-        (negativeExponent ? -number.exponent : number.exponent) - number.digitsAfterPoint;
+        (number.negativeExponent ? -number.exponent : number.exponent) - number.digitsAfterPoint;
     const std::string text = significant + "e" + std::to_string(power);
     double value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -163,19 +164,18 @@ double Val(QStringView text) {
             break;
         }
     }
-    bool negativeExponent = false;
     const QChar marker = at(i).toUpper();
     if (marker == u'E' || marker == u'D') {
         ++i;
         if (at(i) == u'-' || at(i) == u'+') {
-            negativeExponent = at(i) == u'-';
+            number.negativeExponent = at(i) == u'-';
             ++i;
         }
         for (; isDigit(at(i)); ++i) {
             number.addExponentDigit(at(i));
         }
     }
-    const std::optional<double> magnitude = decimalValue(number, negativeExponent);
+    const std::optional<double> magnitude = decimalValue(number);
     if (!magnitude) {
         overflow();
     }
@@ -206,7 +206,7 @@ public:
             return readRadixNumber() && readTrailingSymbols(false) && pos_ == text_.size();
         }
         return readDecimalNumber() && readTrailingSymbols(true) && pos_ == text_.size() &&
-               decimalValue(number_, negativeExponent_).has_value();
+               decimalValue(number_).has_value();
     }
 
 private:
@@ -292,7 +292,7 @@ private:
                 if (!exponentSignAllowed || (c != u'+' && c != u'-')) {
                     break;
                 }
-                negativeExponent_ = c == u'-';
+                number_.negativeExponent = c == u'-';
                 exponentSignAllowed = false;
             } else if (c == thousandsSeparator && !number_.digits.empty()) {
                 continue;
@@ -338,7 +338,6 @@ private:
     bool parenClosed_ = false;
     bool currencySeen_ = false;
     bool decimalSeen_ = false;
-    bool negativeExponent_ = false;
     DecimalDigits number_;
 };
 
