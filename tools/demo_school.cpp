@@ -121,14 +121,21 @@ School makeSchool(const SchoolSize& size, const std::u16string& pictureFolder) {
                                Value::text(u"07:00-08:30"), Value::text(u"12:00-13:30"),
                                Value::text(u"17:30-19:00"), Value()});
 
+    // The picture column of a person's row; a picture named is drawn later.
+    const auto pictureOf = [&](const Person& person) {
+        if (!person.hasPicture)
+            return Value();
+        const std::u16string path =
+            pictureFolder + u"/" + text(std::to_string(person.number)) + u".jpg";
+        school.portraits.push_back({path, person.name, person.surname, person.number});
+        return Value::text(path);
+    };
+
     std::vector<Person> dayStudents;
     for (int i = 0; i < size.students; ++i) {
         const Person person = makePerson(random, 100 + i * 3 + static_cast<int>(random() % 3));
         dayStudents.push_back(person);
-        const Value picture =
-            person.hasPicture
-                ? Value::text(pictureFolder + u"/" + text(std::to_string(person.number)) + u".jpg")
-                : Value();
+        const Value picture = pictureOf(person);
         const int birthYear = 2007 + static_cast<int>(random() % 5);
         school.students.push_back(
             {Value::integer(i + 1), Value::real(person.identity), Value::text(person.name),
@@ -154,10 +161,7 @@ School makeSchool(const SchoolSize& size, const std::u16string& pictureFolder) {
         school.boarders.push_back(
             {Value::integer(i + 1), Value::text(person.name), Value::text(person.surname),
              Value::text(text(std::to_string(100 + random() % 40))), Value::text(person.sex),
-             Value::integer(person.number), Value::text(girl ? u"B" : u"A"),
-             person.hasPicture ? Value::text(pictureFolder + u"/" +
-                                             text(std::to_string(person.number)) + u".jpg")
-                               : Value(),
+             Value::integer(person.number), Value::text(girl ? u"B" : u"A"), pictureOf(person),
              Value::text(u"Şehit Öğretmen Anadolu Lisesi"), Value::text(person.className),
              Value::real(person.identity)});
     }

@@ -16,6 +16,14 @@ struct SchoolSize {
     int mealDays = 90;    // school days of the meal log: one term
 };
 
+// A photograph that a row names: where it is said to be and whose it is.
+struct Portrait {
+    std::u16string path;  // as stored in ORNEK.resim or Pansiyon.RESIM
+    std::u16string name;
+    std::u16string surname;
+    int number = 0;  // the school number, which also picks the colours
+};
+
 // The rows of every table of kvl.mdb for a made-up school, in each table's
 // column order (the schema of the dining hall's database). Deterministic: the
 // same size and picture folder give the same rows.
@@ -27,6 +35,7 @@ struct School {
     std::vector<Row> meals;      // YEMEK, ID left Null for the AutoNumber
     std::vector<Row> menus;      // MENULER, four rows a day
     std::vector<Row> tally;      // TMP: 31 rows
+    std::vector<Portrait> portraits;  // every photograph named above, once
 };
 
 // `pictureFolder`: where the students' photographs are said to be; the paths

@@ -2,7 +2,9 @@
 //
 // Creates DIR/kvl.mdb: the dining hall's database with every table, index and
 // the password, filled with a made-up school, written through the engine's
-// public write path. Large arguments make benchmark files.
+// public write path; then the students' photographs that it names, under
+// DIR/resimler, and the card background and logo, GunduzluKimlik.jpg and
+// logo.jpg. Large arguments make benchmark files.
 
 #include <cstdio>
 #include <cstdlib>
@@ -10,10 +12,13 @@
 #include <string>
 #include <vector>
 
+#include <QGuiApplication>
+
 #include "store/jet/database.h"
 #include "store/jet/error.h"
 #include "store/jet/table_definition_builder.h"
 #include "store/jet/text.h"
+#include "tools/demo_pictures.h"
 #include "tools/demo_school.h"
 
 namespace {
@@ -132,6 +137,11 @@ int main(int argc, char** argv) {
             return usage();
         }
     }
+    // The pictures' text needs a GUI application, but no screen.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    const QGuiApplication application(argc, argv);
     try {
         std::filesystem::create_directories(folder);
         const std::filesystem::path file = folder / "kvl.mdb";
@@ -153,9 +163,12 @@ int main(int argc, char** argv) {
         insertInStatements(database, u"YEMEK", school.meals);
         insertInStatements(database, u"MENULER", school.menus);
         insertInStatements(database, u"TMP", school.tally);
+        demo::writePictures(folder, school.portraits);
         std::printf("%s: %zu students, %zu boarders, %zu permits, %zu meals, %zu menu rows\n",
                     file.string().c_str(), school.students.size(), school.boarders.size(),
                     school.permits.size(), school.meals.size(), school.menus.size());
+        std::printf("%s: %zu photographs\n", (folder / "resimler").string().c_str(),
+                    school.portraits.size());
     } catch (const std::exception& error) {
         std::fprintf(stderr, "make-demo: %s\n", error.what());
         return 1;

@@ -1,6 +1,6 @@
 // make-demo: the database it makes has the dining hall's schema, passes
 // jetcheck, reads the same through mdbtools, and holds data in the forms the
-// program and the gate program expect.
+// program and the gate program expect; the pictures it names are there.
 
 #include <filesystem>
 #include <set>
@@ -8,6 +8,8 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <QImageReader>
+#include <QString>
 
 #include "store/jet/database.h"
 #include "store/jet/integrity_check.h"
@@ -26,6 +28,12 @@ int makeDemo(const std::filesystem::path& folder, const std::string& arguments) 
                    arguments + " 2>/dev/null",
                &status);
     return status;
+}
+
+// The size of a JPEG file, or an empty size when it is none.
+QSize jpegSize(const std::filesystem::path& path) {
+    QImageReader reader(QString::fromStdString(path.string()), "jpeg");
+    return reader.read().size();
 }
 
 std::vector<std::u16string> columnNames(const TableDefinition& table) {
@@ -88,6 +96,28 @@ TEST(MakeDemo, SchoolDatabaseAsTheProgramsExpectIt) {
     }
     EXPECT_EQ(mealNames, (std::set<std::u16string>{u"Kahvaltı", u"Öğle yemeği", u"Akşam yemeği"}));
     EXPECT_EQ(kinds, (std::set<std::int32_t>{0, 1}));
+
+    // Photographs for the rows that name one, the same on every run; the
+    // card background and the logo.
+    std::size_t photographs = 0;
+    for (const auto& [table, column] : {std::pair{u"ORNEK", 19}, std::pair{u"Pansiyon", 7}}) {
+        for (const auto& row : testing::readRows(database, table)) {
+            if (row[column].isNull())
+                continue;
+            ++photographs;
+            EXPECT_EQ(jpegSize(toUtf8(row[column].asText())), QSize(240, 320))
+                << toUtf8(row[column].asText());
+        }
+    }
+    EXPECT_GT(photographs, 100u);
+    EXPECT_EQ(jpegSize(folder / "GunduzluKimlik.jpg"), QSize(1000, 600));
+    EXPECT_EQ(jpegSize(folder / "logo.jpg"), QSize(256, 256));
+    const auto again = dir.path() / "again";
+    ASSERT_EQ(makeDemo(again, "--students 10 --meal-days 1"), 0);
+    for (const auto& picture : std::filesystem::directory_iterator(again / "resimler")) {
+        EXPECT_EQ(testing::readFileBytes(picture.path()),
+                  testing::readFileBytes(folder / "resimler" / picture.path().filename()));
+    }
 
     // Every table reads byte for byte the same through mdbtools.
     if (!std::filesystem::exists(MDB_EXPORT_EXECUTABLE)) GTEST_SKIP() << "mdbtools is absent";
