@@ -39,7 +39,7 @@ bool FileFolderExists(const QString& path) {
     return !path.isEmpty() && !QFileInfo(path).fileName().isEmpty() && QFileInfo::exists(path);
 }
 
-bool DosyaVarmi(const QString& path) {
+bool DosyaVarmı(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return false;
     file.close();

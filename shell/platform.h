@@ -15,7 +15,7 @@ using kit::inAppPath;
 // error gives false.
 bool FileFolderExists(const QString& path);
 // True when the file can be opened for reading; any error gives false.
-bool DosyaVarmi(const QString& path);
+bool DosyaVarmı(const QString& path);
 
 // Whether the computer is online, by the platform's own view of its
 // network. Without a way to tell, false.
