@@ -3,7 +3,10 @@
 
 #include <QTest>
 
+#include <QImage>
+
 #include "shell/clock.h"
+#include "shell/kit/connection_strings.h"
 #include "shell/form1.h"
 #include "shell/window_registry.h"
 #include "store/jet/database.h"
@@ -166,6 +169,52 @@ TEST_F(MainWindow, SearchBoxesNarrowTheRosterEachOnItsOwn) {
     form.Text23->setText(QString::number(static_cast<long long>(student.tc)));
     EXPECT_EQ(roster.recordCount(), 1);
     EXPECT_EQ(form.Text5->text(), QString::number(student.numara));
+}
+
+TEST_F(MainWindow, PhotographFollowsTheCurrentStudentAndNullShowsNoLogo) {
+    const Student withPicture = uniqueStudent(folder_->database());
+    const QString picture = QString::fromStdString((folder_->path() / "foto.jpg").string());
+    QImage face(60, 80, QImage::Format_RGB32);
+    face.fill(Qt::darkCyan);
+    ASSERT_TRUE(face.save(picture));
+    QImage logo(10, 10, QImage::Format_RGB32);
+    ASSERT_TRUE(logo.save(QString::fromStdString((folder_->path() / "logo.jpg").string())));
+    {
+        store::Connection connection;
+        connection.Open(kit::relativeConnectionString().toStdString());
+        store::Recordset roster;
+        roster.open(u"select* from ORNEK where Numara=" + QString::number(withPicture.numara).toStdU16String(),
+                    connection);
+        roster.setField(u"resim", jet::Value::text(picture.toStdU16String()));
+        roster.update();
+    }
+    shell::Form1& form = open();
+    QTest::keyClicks(form.Text11, QString::number(withPicture.numara));
+    EXPECT_EQ(form.Image1->pixmap().size(), QSize(60, 80));
+
+    // The reload may land on the same student: Text5 keeps its text, so
+    // the picture is not loaded again.
+    form.Text11->clear();
+    form.ornek.Recordset().moveFirst();
+    if (form.Text5->text() == QString::number(withPicture.numara)) {
+        EXPECT_FALSE(form.Image1->pixmap().isNull());
+        form.ornek.Recordset().moveNext();
+    }
+    // The fixture's first students have no path: no picture, no logo.
+    EXPECT_TRUE(form.Image1->pixmap().isNull());
+}
+
+// Started from another folder: connections that code opens find the file
+// beside the program, the data controls look in the working folder.
+TEST_F(MainWindow, DataControlsFollowTheWorkingFolder) {
+    jet::testing::TempDir elsewhere;
+    std::filesystem::current_path(elsewhere.path());
+    MessageBoxAnswerer answerer;
+    shell::Form1& form = open();
+    EXPECT_EQ(answerer.seen.size(), 4);  // one for each data control
+    EXPECT_FALSE(form.ornek.isOpen());
+    EXPECT_EQ(form.Text12->text(), QStringLiteral("Şehit Öğretmen Anadolu Lisesi"));
+    std::filesystem::current_path(folder_->path());
 }
 
 // An apostrophe breaks the name filter; the handler has no error handling,
