@@ -10,7 +10,9 @@
 namespace shell {
 namespace {
 
-std::u16string text(const QString& filter) { return filter.toStdU16String(); }
+std::u16string text(const QString& filter) {
+    return filter.toStdU16String();
+}
 
 }  // namespace
 
@@ -24,8 +26,9 @@ void Form1::Option1_Click() {
 // Narrows what the record set holds, without reloading it.
 void Form1::Option2_Click() {
     const QDate day = today();
-    izinler.Recordset().setFilter(text(QStringLiteral("yıl=") + QString::number(day.year()) + QStringLiteral(" and ") +
-                                       QStringLiteral("ay=") + QString::number(day.month())));
+    izinler.Recordset().setFilter(text(QStringLiteral("yıl=") + QString::number(day.year()) +
+                                       QStringLiteral(" and ") + QStringLiteral("ay=") +
+                                       QString::number(day.month())));
     Label16->setText(QString::number(izinler.Recordset().recordCount()));
 }
 
@@ -36,7 +39,8 @@ void Form1::Combo3_Click() {
             izinler.Recordset().clearFilter();
             izinler.Refresh();
         } else {
-            izinler.Recordset().setFilter(text(QStringLiteral(" SINIF = '") + item + QStringLiteral("'")));
+            izinler.Recordset().setFilter(
+                text(QStringLiteral(" SINIF = '") + item + QStringLiteral("'")));
         }
     });
 }
@@ -46,7 +50,8 @@ void Form1::Text3_Change() {
     if (Text3->text().isEmpty()) {
         Command3_Click();
     } else {
-        izinler.Recordset().setFilter(text(QStringLiteral(" Adi like '") + Text3->text().trimmed() + QStringLiteral("%'")));
+        izinler.Recordset().setFilter(
+            text(QStringLiteral(" Adi like '") + Text3->text().trimmed() + QStringLiteral("%'")));
     }
 }
 
@@ -54,8 +59,8 @@ void Form1::Text7_Change() {
     if (Text7->text().isEmpty()) {
         Command3_Click();
     } else {
-        izinler.Recordset().setFilter(
-            text(QStringLiteral(" Soyadi like '") + Text7->text().trimmed() + QStringLiteral("%'")));
+        izinler.Recordset().setFilter(text(QStringLiteral(" Soyadi like '") +
+                                           Text7->text().trimmed() + QStringLiteral("%'")));
     }
 }
 
@@ -75,7 +80,8 @@ void Form1::Text8_Change() {
             izinler.Recordset().clearFilter();
             izinler.Refresh();
         } else {
-            izinler.Recordset().setFilter(text(QStringLiteral("TCKimlikno=") + kit::plainNumber(kit::Val(Text8->text()))));
+            izinler.Recordset().setFilter(
+                text(QStringLiteral("TCKimlikno=") + kit::plainNumber(kit::Val(Text8->text()))));
         }
     });
 }
@@ -83,7 +89,8 @@ void Form1::Text8_Change() {
 void Form1::Command5_Click() {
     const int answer = kit::MsgBox(QStringLiteral("Seçili kayıt silinsin mi?"), 36);
     kit::silentExit([&] {
-        if (answer == kit::vbYes) izinler.Recordset().remove();
+        if (answer == kit::vbYes)
+            izinler.Recordset().remove();
         // Reloaded for either answer, so a No also drops the filter.
         izinler.Refresh();
         izinler.Refresh();

@@ -16,8 +16,8 @@ bool Form1::izinkontrol() {
     permits.clearFilter();
     const QDate day = today();
     permits.setFilter((QStringLiteral("TCKimlikNo=") + kit::plainNumber(kit::Val(Text24->text())) +
-                       QStringLiteral(" And yıl=") + QString::number(day.year()) + QStringLiteral(" And ay=") +
-                       QString::number(day.month()))
+                       QStringLiteral(" And yıl=") + QString::number(day.year()) +
+                       QStringLiteral(" And ay=") + QString::number(day.month()))
                           .toStdU16String());
     return permits.recordCount() >= 1;
 }
@@ -37,7 +37,8 @@ void Form1::Command1_Click() {
         store::Recordset& permits = izinler.Recordset();
         store::Recordset& student = ornek.Recordset();
         permits.addNew();
-        for (const char16_t* name : {u"TCKimlikNo", u"Adi", u"Soyadi", u"Sinif", u"cinsiyet", u"resim", u"Numara"}) {
+        for (const char16_t* name :
+             {u"TCKimlikNo", u"Adi", u"Soyadi", u"Sinif", u"cinsiyet", u"resim", u"Numara"}) {
             permits.setField(name, student.field(name));
         }
         permits.setField(u"ay", jet::Value::integer(today().month()));

@@ -13,9 +13,13 @@
 namespace shell {
 namespace {
 
-bool isAll(const QString& item) { return item == QStringLiteral("Tümü") || item == QStringLiteral("TÜMÜ"); }
+bool isAll(const QString& item) {
+    return item == QStringLiteral("Tümü") || item == QStringLiteral("TÜMÜ");
+}
 
-std::u16string text(const QString& filter) { return filter.toStdU16String(); }
+std::u16string text(const QString& filter) {
+    return filter.toStdU16String();
+}
 
 }  // namespace
 
@@ -25,7 +29,8 @@ void Form1::Combo1_Click() {
             ornek.Recordset().clearFilter();
             ornek.Refresh();
         } else {
-            ornek.Recordset().setFilter(text(QStringLiteral(" SINIF = '") + Combo1->currentText() + QStringLiteral("'")));
+            ornek.Recordset().setFilter(
+                text(QStringLiteral(" SINIF = '") + Combo1->currentText() + QStringLiteral("'")));
         }
     });
 }
@@ -36,7 +41,8 @@ void Form1::Text10_Change() {
     if (Text10->text().isEmpty()) {
         Command2_Click();
     } else {
-        ornek.Recordset().setFilter(text(QStringLiteral(" Adi like '") + Text10->text().trimmed() + QStringLiteral("%'")));
+        ornek.Recordset().setFilter(
+            text(QStringLiteral(" Adi like '") + Text10->text().trimmed() + QStringLiteral("%'")));
     }
 }
 
@@ -44,8 +50,8 @@ void Form1::Text9_Change() {
     if (Text9->text().isEmpty()) {
         Command2_Click();
     } else {
-        ornek.Recordset().setFilter(
-            text(QStringLiteral(" Soyadi like '") + Text9->text().trimmed() + QStringLiteral("%'")));
+        ornek.Recordset().setFilter(text(QStringLiteral(" Soyadi like '") +
+                                         Text9->text().trimmed() + QStringLiteral("%'")));
     }
 }
 
@@ -70,7 +76,8 @@ void Form1::Text11_Change() {
 }
 
 void Form1::Text11_KeyPress(int keyAscii) {
-    if (keyAscii != 13 || !kit::IsNumeric(Text11->text())) return;
+    if (keyAscii != 13 || !kit::IsNumeric(Text11->text()))
+        return;
     Command1_Click();
     Text11->setFocus();
     Text11->setSelection(0, static_cast<int>(Text1->text().size()));
@@ -82,14 +89,19 @@ void Form1::Text23_Change() {
             ornek.Recordset().clearFilter();
             ornek.Refresh();
         } else {
-            ornek.Recordset().setFilter(text(QStringLiteral("TCKimlikno=") + kit::plainNumber(kit::Val(Text23->text()))));
+            ornek.Recordset().setFilter(
+                text(QStringLiteral("TCKimlikno=") + kit::plainNumber(kit::Val(Text23->text()))));
         }
     });
 }
 
-void Form1::Text5_Change() { loadPicture(QStringLiteral("resim"), ornek); }
+void Form1::Text5_Change() {
+    loadPicture(QStringLiteral("resim"), ornek);
+}
 
-void Form1::DataGrid4_Click() { loadPicture(QStringLiteral("resim"), izinler); }
+void Form1::DataGrid4_Click() {
+    loadPicture(QStringLiteral("resim"), izinler);
+}
 
 // The photograph of the current row. A Null path is never equal to Null,
 // so the logo's branch does not run and the image stays empty.
@@ -98,10 +110,12 @@ void Form1::loadPicture(const QString& field, kit::DataControl& control) {
     kit::skip([&] { path = control.Recordset().field(field.toStdU16String()); });
     kit::skip([&] { Image1->clear(); });
     kit::skip([&] {
-        if (path.isNull()) throw store::DataError("invalid use of Null");
+        if (path.isNull())
+            throw store::DataError("invalid use of Null");
         QPixmap picture;
         const QString file = QString::fromStdU16String(path.asText());
-        if (!file.isEmpty() && !picture.load(file)) throw store::DataError("the picture cannot be loaded");
+        if (!file.isEmpty() && !picture.load(file))
+            throw store::DataError("the picture cannot be loaded");
         Image1->setPixmap(picture);
     });
 }

@@ -10,8 +10,12 @@ QDate& chosenDay() {
 
 }  // namespace
 
-QDate today() { return chosenDay().isValid() ? chosenDay() : QDate::currentDate(); }
+QDate today() {
+    return chosenDay().isValid() ? chosenDay() : QDate::currentDate();
+}
 
-void setTodayForTests(QDate day) { chosenDay() = day; }
+void setTodayForTests(QDate day) {
+    chosenDay() = day;
+}
 
 }  // namespace shell

@@ -70,7 +70,8 @@ Form1::Form1() {
 
     // The data controls open as the window loads, before its Form_Load;
     // the bound boxes fill as they open.
-    for (kit::DataControl* control : {&Adodc1, &Adodc2, &ornek, &izinler}) kit::openDataControl(*control);
+    for (kit::DataControl* control : {&Adodc1, &Adodc2, &ornek, &izinler})
+        kit::openDataControl(*control);
     resize(1000, 720);
     Form_Load();
 }
@@ -86,7 +87,8 @@ void Form1::buildMenu() {
     ayarlar = item(ayar, "ayarlar", QStringLiteral("Program ayarları"));
     ogrencial = item(ayar, "ogrencial", QStringLiteral("e okul öğrenci bilgilerini al"));
     pyoklama = item(ayar, "pyoklama", QStringLiteral("Yurtsayim öğrenci bilgileri al"));
-    gunduzluduzenle = item(ayar, "gunduzluduzenle", QStringLiteral("Gündüzlü Öğrenci Bilgileri Düzenle"));
+    gunduzluduzenle =
+        item(ayar, "gunduzluduzenle", QStringLiteral("Gündüzlü Öğrenci Bilgileri Düzenle"));
     yatiliduzenle = item(ayar, "yatiliduzenle", QStringLiteral("Yatılı Öğrenci Bilgileri Düzenle"));
     foto = item(ayar, "foto", QStringLiteral("Fotğraf İşlemleri"));
     mnhzirla = item(ayar, "mnhzirla", QStringLiteral("Menü hazırlama"));
@@ -128,10 +130,14 @@ QWidget* Form1::buildStudentArea() {
     Frame2 = new QGroupBox(QStringLiteral("Öğrenci Bilgileri"));
     auto* view = new QGridLayout(Frame2);
     Text1 = labelled(view, 0, 0, QStringLiteral("Adı"), boundBox(ornek, QStringLiteral("ADI")));
-    Text2 = labelled(view, 1, 0, QStringLiteral("Soyadı"), boundBox(ornek, QStringLiteral("SOYADI")));
-    Text5 = labelled(view, 2, 0, QStringLiteral("Okul NO"), boundBox(ornek, QStringLiteral("Numara")));
-    Text6 = labelled(view, 3, 0, QStringLiteral("Sınıfı"), boundBox(ornek, QStringLiteral("SINIF")));
-    Text24 = labelled(view, 4, 0, QStringLiteral("T.C."), boundBox(ornek, QStringLiteral("TCKimlikno")));
+    Text2 =
+        labelled(view, 1, 0, QStringLiteral("Soyadı"), boundBox(ornek, QStringLiteral("SOYADI")));
+    Text5 =
+        labelled(view, 2, 0, QStringLiteral("Okul NO"), boundBox(ornek, QStringLiteral("Numara")));
+    Text6 =
+        labelled(view, 3, 0, QStringLiteral("Sınıfı"), boundBox(ornek, QStringLiteral("SINIF")));
+    Text24 =
+        labelled(view, 4, 0, QStringLiteral("T.C."), boundBox(ornek, QStringLiteral("TCKimlikno")));
     ornekBar = new kit::NavigationBar(ornek);
     view->addWidget(ornekBar, 5, 0, 1, 2);
     Image1 = new QLabel;
@@ -146,7 +152,8 @@ QWidget* Form1::buildStudentArea() {
     Command1 = new QPushButton(QStringLiteral("İzinlere Aktar"));
     Command1->setMinimumHeight(48);
     registration->addWidget(Command1);
-    Label17 = new QLabel(QStringLiteral("Okul No alanından \"Enter\" ile hızlı giriş yapabilirsiniz."));
+    Label17 =
+        new QLabel(QStringLiteral("Okul No alanından \"Enter\" ile hızlı giriş yapabilirsiniz."));
     Label17->setWordWrap(true);
     registration->addWidget(Label17);
     Label4 = new QLabel(QStringLiteral("Kaydedilecek ay"));
@@ -222,10 +229,12 @@ void Form1::connectHandlers() {
     Text11->installEventFilter(this);
 
     kit::on(Option1, &QRadioButton::toggled, this, [this] {
-        if (Option1->isChecked()) Option1_Click();
+        if (Option1->isChecked())
+            Option1_Click();
     });
     kit::on(Option2, &QRadioButton::toggled, this, [this] {
-        if (Option2->isChecked()) Option2_Click();
+        if (Option2->isChecked())
+            Option2_Click();
     });
     kit::on(Combo3, &kit::ComboBox::Click, this, [this] { Combo3_Click(); });
     kit::on(Text3, &QLineEdit::textChanged, this, [this] { Text3_Change(); });
@@ -245,7 +254,8 @@ bool Form1::eventFilter(QObject* watched, QEvent* event) {
         const int code = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter
                              ? 13
                              : (key->text().isEmpty() ? 0 : key->text().at(0).unicode());
-        if (code != 0) kit::bare([this, code] { Text11_KeyPress(code); });
+        if (code != 0)
+            kit::bare([this, code] { Text11_KeyPress(code); });
     }
     return QMainWindow::eventFilter(watched, event);
 }
@@ -254,14 +264,17 @@ void Form1::Form_Load() {
     // Every step is skipped when it fails; the window opens all the same.
     kit::skip([] {
         const QString workbook = inAppPath(QStringLiteral("YEMEK_MENUSU.XLS"));
-        if (!FileFolderExists(workbook)) LoadDataIntoFile(101, workbook);
+        if (!FileFolderExists(workbook))
+            LoadDataIntoFile(101, workbook);
     });
     kit::skip([] {
         const QString architecture = GetOsArchitecture();
         const QString key32 = QStringLiteral(
-            "SOFTWARE\\Microsoft\\Internet Explorer\\Main\\FeatureControl\\FEATURE_BROWSER_EMULATION");
+            "SOFTWARE\\Microsoft\\Internet "
+            "Explorer\\Main\\FeatureControl\\FEATURE_BROWSER_EMULATION");
         const QString key64 = QStringLiteral(
-            "SOFTWARE\\Wow6432Node\\Microsoft\\Internet Explorer\\Main\\FeatureControl\\FEATURE_BROWSER_EMULATION");
+            "SOFTWARE\\Wow6432Node\\Microsoft\\Internet "
+            "Explorer\\Main\\FeatureControl\\FEATURE_BROWSER_EMULATION");
         if (architecture == QStringLiteral("32")) {
             RegSetDword(RegistryRoot::LocalMachine, key32, QStringLiteral("sofravan.exe"), 11000);
         } else if (architecture == QStringLiteral("64")) {
@@ -278,7 +291,8 @@ void Form1::Form_Load() {
                 // A Null class adds nothing; the round goes on.
                 kit::skip([&] {
                     const jet::Value name = classes.field(std::size_t{0});
-                    if (name.isNull()) throw store::DataError("invalid use of Null");
+                    if (name.isNull())
+                        throw store::DataError("invalid use of Null");
                     combo->addItem(QString::fromStdU16String(name.asText()));
                 });
                 kit::skip([&] { classes.moveNext(); });
@@ -292,10 +306,13 @@ void Form1::Form_Load() {
     });
     kit::skip([this] { Label16->setText(QString::number(izinler.Recordset().recordCount())); });
     kit::skip([this] {
-        if (!baglanti) baglanti = std::make_unique<store::Connection>();
-        if (!kayit) kayit = std::make_unique<store::Recordset>();
+        if (!baglanti)
+            baglanti = std::make_unique<store::Connection>();
+        if (!kayit)
+            kayit = std::make_unique<store::Recordset>();
         baglanti->Open(kit::absoluteConnectionString(QStringLiteral("kvl.mdb")).toStdString());
-        kayit->open(u"SELECT* from AYAR", *baglanti, store::CursorType::Keyset, store::LockType::Optimistic, -1);
+        kayit->open(u"SELECT* from AYAR", *baglanti, store::CursorType::Keyset,
+                    store::LockType::Optimistic, -1);
         const jet::Value okul = kayit->field(u"OKUL");
         kayit->close();
         baglanti->Close();
@@ -314,15 +331,22 @@ void Form1::closeEvent(QCloseEvent* event) {
 
 void Form1::Form_Unload() {
     if (yenisurumvar) {
-        QProcess::startDetached(inAppPath(QStringLiteral("tazele.exe")), {QStringLiteral("-z")}, appPath());
+        QProcess::startDetached(inAppPath(QStringLiteral("tazele.exe")), {QStringLiteral("-z")},
+                                appPath());
     }
     ProgramiKapat();
 }
 
-void Form1::cik_Click() { ProgramiKapat(); }
+void Form1::cik_Click() {
+    ProgramiKapat();
+}
 
-void Form1::Command2_Click() { ornek.Refresh(); }
+void Form1::Command2_Click() {
+    ornek.Refresh();
+}
 
-void Form1::Command3_Click() { izinler.Refresh(); }
+void Form1::Command3_Click() {
+    izinler.Refresh();
+}
 
 }  // namespace shell

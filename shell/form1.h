@@ -24,7 +24,8 @@ public:
     Form1();
 
     // Data controls, open as long as the window lives.
-    kit::DataControl Adodc1{QStringLiteral("SELECT ORNEK.SINIF From ORNEK GROUP BY ORNEK.SINIF"), QString(), this};
+    kit::DataControl Adodc1{QStringLiteral("SELECT ORNEK.SINIF From ORNEK GROUP BY ORNEK.SINIF"),
+                            QString(), this};
     kit::DataControl Adodc2{QStringLiteral("AYAR"), QStringLiteral("ayarlar"), this};
     kit::DataControl ornek{QStringLiteral("ORNEK"), QStringLiteral("Kayıtlı Öğrenciler"), this};
     kit::DataControl izinler{QStringLiteral("IZINLER"), QStringLiteral("YEMEK İZNİ OLANLAR"), this};

@@ -22,9 +22,11 @@ void login(Form9& window) {
     store::Connection connection;
     store::Recordset settings;
     connection.Open(kit::absoluteConnectionString(QStringLiteral("KVL.mdb")).toStdString());
-    settings.open(u"select* from AYAR", connection, store::CursorType::Keyset, store::LockType::Optimistic, -1);
+    settings.open(u"select* from AYAR", connection, store::CursorType::Keyset,
+                  store::LockType::Optimistic, -1);
     const jet::Value stored = settings.field(u"SIFRE");
-    if (stored.kind() != jet::Value::Kind::Text) throw store::DataError("invalid use of Null");
+    if (stored.kind() != jet::Value::Kind::Text)
+        throw store::DataError("invalid use of Null");
     const QString password = sifrecoz(scrambleKey, QString::fromStdU16String(stored.asText()));
     if (password != window.Text1->text()) {
         kit::MsgBox(QStringLiteral("Giriş başarısız!"), 0);
@@ -55,10 +57,13 @@ Form9::Form9() {
     Text1->installEventFilter(this);
 }
 
-void Form9::Command1_Click() { login(*this); }
+void Form9::Command1_Click() {
+    login(*this);
+}
 
 void Form9::Text1_KeyPress(int keyAscii) {
-    if (keyAscii == 13) login(*this);
+    if (keyAscii == 13)
+        login(*this);
 }
 
 bool Form9::eventFilter(QObject* watched, QEvent* event) {

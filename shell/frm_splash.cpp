@@ -35,7 +35,9 @@ frmSplash::frmSplash() {
     Timer1.start();
 }
 
-void frmSplash::Form_Load() { lblVersion->setText(QStringLiteral("Version ") + versionText()); }
+void frmSplash::Form_Load() {
+    lblVersion->setText(QStringLiteral("Version ") + versionText());
+}
 
 void frmSplash::Timer1_Timer() {
     Timer2.start();
@@ -52,10 +54,12 @@ void sifrevarmi() {
     store::Connection connection;
     store::Recordset settings;
     connection.Open(kit::absoluteConnectionString(QStringLiteral("KVL.mdb")).toStdString());
-    settings.open(u"select* from AYAR", connection, store::CursorType::Keyset, store::LockType::Optimistic, -1);
+    settings.open(u"select* from AYAR", connection, store::CursorType::Keyset,
+                  store::LockType::Optimistic, -1);
     const jet::Value password = settings.field(u"SIFRE");
     // A Null password is not unequal to "" either: the main window opens.
-    if (!password.isNull() && password.kind() == jet::Value::Kind::Text && !password.asText().empty()) {
+    if (!password.isNull() && password.kind() == jet::Value::Kind::Text &&
+        !password.asText().empty()) {
         instance<Form9>().show();
     } else {
         instance<Form1>().show();

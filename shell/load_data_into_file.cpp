@@ -3,17 +3,19 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include "resources/sample_workbook.h"
 #include <stdexcept>
+#include "resources/sample_workbook.h"
 
 namespace shell {
 
 void LoadDataIntoFile(int /*resourceNumber*/, const QString& path) {
-    if (QFileInfo(path).isFile()) return;
+    if (QFileInfo(path).isFile())
+        return;
     const QByteArray workbook = resources::sampleWorkbook();
     QFile file(path);
     // NewOnly: a file that appeared meanwhile is left alone too.
-    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly) || file.write(workbook) != workbook.size()) {
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly) ||
+        file.write(workbook) != workbook.size()) {
         throw std::runtime_error("the sample workbook cannot be written to " + path.toStdString());
     }
 }

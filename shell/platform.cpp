@@ -15,8 +15,9 @@ namespace shell {
 namespace {
 
 QString registryPath(RegistryRoot root, const QString& subKey) {
-    const QString rootName = root == RegistryRoot::LocalMachine ? QStringLiteral("HKEY_LOCAL_MACHINE")
-                                                                : QStringLiteral("HKEY_CURRENT_USER");
+    const QString rootName = root == RegistryRoot::LocalMachine
+                                 ? QStringLiteral("HKEY_LOCAL_MACHINE")
+                                 : QStringLiteral("HKEY_CURRENT_USER");
     return rootName + QLatin1Char('\\') + subKey;
 }
 
@@ -26,8 +27,9 @@ std::unique_ptr<QSettings> registryStore(RegistryRoot root, const QString& subKe
 #ifdef Q_OS_WIN
     return std::make_unique<QSettings>(registryPath(root, subKey), QSettings::NativeFormat);
 #else
-    auto store = std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope,
-                                             QStringLiteral("Sofravan"), QStringLiteral("registry"));
+    auto store =
+        std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope,
+                                    QStringLiteral("Sofravan"), QStringLiteral("registry"));
     store->beginGroup(registryPath(root, subKey).replace(QLatin1Char('\\'), QLatin1Char('/')));
     return store;
 #endif
@@ -41,18 +43,22 @@ bool FileFolderExists(const QString& path) {
 
 bool DosyaVarmı(const QString& path) {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return false;
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
     file.close();
     return true;
 }
 
 bool internetvarmi() {
-    if (!QNetworkInformation::loadDefaultBackend()) return false;
+    if (!QNetworkInformation::loadDefaultBackend())
+        return false;
     const QNetworkInformation* network = QNetworkInformation::instance();
-    return network != nullptr && network->reachability() == QNetworkInformation::Reachability::Online;
+    return network != nullptr &&
+           network->reachability() == QNetworkInformation::Reachability::Online;
 }
 
-void RegSetDword(RegistryRoot root, const QString& subKey, const QString& valueName, std::uint32_t value) {
+void RegSetDword(RegistryRoot root, const QString& subKey, const QString& valueName,
+                 std::uint32_t value) {
     const auto store = registryStore(root, subKey);
     store->setValue(valueName, static_cast<qulonglong>(value));
     store->sync();
@@ -66,12 +72,16 @@ qint64 RegGetDword(RegistryRoot root, const QString& subKey, const QString& valu
 }
 
 QString GetOsArchitecture() {
-    const QString cpu = QSysInfo::currentCpuArchitecture();
-    if (cpu.contains(QStringLiteral("64"))) return QStringLiteral("64");
-    if (cpu == QStringLiteral("i386") || cpu == QStringLiteral("arm")) return QStringLiteral("32");
+    QString cpu = QSysInfo::currentCpuArchitecture();
+    if (cpu.contains(QStringLiteral("64")))
+        return QStringLiteral("64");
+    if (cpu == QStringLiteral("i386") || cpu == QStringLiteral("arm"))
+        return QStringLiteral("32");
     return cpu;
 }
 
-void ProgramiKapat() { std::_Exit(0); }
+void ProgramiKapat() {
+    std::_Exit(0);
+}
 
 }  // namespace shell

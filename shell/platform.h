@@ -25,7 +25,8 @@ bool internetvarmi();
 // the program's own settings store under the same names. Failures are
 // ignored.
 enum class RegistryRoot { CurrentUser, LocalMachine };
-void RegSetDword(RegistryRoot root, const QString& subKey, const QString& valueName, std::uint32_t value);
+void RegSetDword(RegistryRoot root, const QString& subKey, const QString& valueName,
+                 std::uint32_t value);
 // For checks: the value written, or -1.
 qint64 RegGetDword(RegistryRoot root, const QString& subKey, const QString& valueName);
 

@@ -17,7 +17,8 @@ QString versionText() {
 
 void baglantiac() {
     kit::skip([] {
-        if (!baglanti) baglanti = std::make_unique<store::Connection>();
+        if (!baglanti)
+            baglanti = std::make_unique<store::Connection>();
         baglanti->Open(kit::relativeConnectionString().toStdString());
     });
 }

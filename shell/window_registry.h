@@ -17,7 +17,8 @@ QPointer<Window>& defaultInstanceSlot() {
 template <class Window>
 Window& instance() {
     QPointer<Window>& window = defaultInstanceSlot<Window>();
-    if (!window) window = new Window;
+    if (!window)
+        window = new Window;
     return *window;
 }
 

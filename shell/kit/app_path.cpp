@@ -17,8 +17,12 @@ QString appPath() {
     return chosenFolder().isEmpty() ? QCoreApplication::applicationDirPath() : chosenFolder();
 }
 
-QString inAppPath(const QString& fileName) { return appPath() + QDir::separator() + fileName; }
+QString inAppPath(const QString& fileName) {
+    return appPath() + QDir::separator() + fileName;
+}
 
-void setAppPathForTests(const QString& folder) { chosenFolder() = folder; }
+void setAppPathForTests(const QString& folder) {
+    chosenFolder() = folder;
+}
 
 }  // namespace kit

@@ -18,7 +18,8 @@ void BoundTextBox::bind(DataControl& control, const QString& field) {
 }
 
 void BoundTextBox::showCurrentRow() {
-    if (!control_ || !control_->isOpen()) return;
+    if (!control_ || !control_->isOpen())
+        return;
     store::Recordset& rows = control_->Recordset();
     QString text;
     // Without a current row (an empty or filtered-out set) the box is empty.
@@ -31,7 +32,8 @@ void BoundTextBox::showCurrentRow() {
 }
 
 void BoundTextBox::takeUserText(const QString& text) {
-    if (!control_ || !control_->isOpen()) return;
+    if (!control_ || !control_->isOpen())
+        return;
     store::Recordset& rows = control_->Recordset();
     // A text that is no value of the column stays in the box only: the row
     // keeps what it held, and the box shows that again at the next move.

@@ -10,7 +10,9 @@ QString connectionString(const QString& dataSource) {
            QString::fromLatin1(kDatabasePassword);
 }
 
-QString relativeConnectionString() { return connectionString(QStringLiteral("kvl.mdb")); }
+QString relativeConnectionString() {
+    return connectionString(QStringLiteral("kvl.mdb"));
+}
 
 QString absoluteConnectionString(const QString& fileName) {
     return connectionString(inAppPath(fileName));

@@ -21,14 +21,17 @@ void DataControl::Refresh() {
     control_.Refresh();
 }
 
-QString DataControl::Caption() const { return QString::fromStdU16String(control_.caption); }
+QString DataControl::Caption() const {
+    return QString::fromStdU16String(control_.caption);
+}
 
 void DataControl::setRecordSource(const QString& recordSource) {
     control_.recordSource = recordSource.toStdU16String();
 }
 
 void DataControl::writePendingEdit() {
-    if (isOpen()) Recordset().leaveRow();
+    if (isOpen())
+        Recordset().leaveRow();
 }
 
 void DataControl::announce() {

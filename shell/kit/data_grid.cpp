@@ -23,7 +23,8 @@ DataGrid::DataGrid(QWidget* parent) : QTableView(parent) {
 }
 
 void DataGrid::setDataSource(DataControl* control) {
-    if (model_.dataControl()) disconnect(model_.dataControl(), nullptr, this, nullptr);
+    if (model_.dataControl())
+        disconnect(model_.dataControl(), nullptr, this, nullptr);
     model_.setDataControl(control);
     if (control) {
         setAccessibleName(control->Caption());
@@ -31,14 +32,18 @@ void DataGrid::setDataSource(DataControl* control) {
     }
 }
 
-void DataGrid::setColumns(QVector<GridColumn> columns) { model_.setColumns(std::move(columns)); }
+void DataGrid::setColumns(QVector<GridColumn> columns) {
+    model_.setColumns(std::move(columns));
+}
 
 void DataGrid::setAllowAddNew(bool allow) {
     model_.allowAddNew = allow;
     model_.reload();
 }
 
-void DataGrid::Refresh() { model_.reload(); }
+void DataGrid::Refresh() {
+    model_.reload();
+}
 
 void DataGrid::applyColumnLayout() {
     const QVector<GridColumn>& columns = model_.columns();
@@ -66,9 +71,11 @@ void DataGrid::followRecordset() {
 
 void DataGrid::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
     QTableView::currentChanged(current, previous);
-    if (following_ || !current.isValid() || current.row() == previous.row()) return;
+    if (following_ || !current.isValid() || current.row() == previous.row())
+        return;
     DataControl* control = model_.dataControl();
-    if (!control || !control->isOpen() || model_.isAsteriskRow(current.row())) return;
+    if (!control || !control->isOpen() || model_.isAsteriskRow(current.row()))
+        return;
     try {
         // Leaving the row writes its pending edit.
         control->Recordset().setAbsolutePosition(current.row() + 1);

@@ -9,9 +9,11 @@ namespace kit {
 DataGridModel::DataGridModel(QObject* parent) : QAbstractTableModel(parent) {}
 
 void DataGridModel::setDataControl(DataControl* control) {
-    if (control_) disconnect(control_, nullptr, this, nullptr);
+    if (control_)
+        disconnect(control_, nullptr, this, nullptr);
     control_ = control;
-    if (control_) connect(control_, &DataControl::rowsChanged, this, &DataGridModel::reload);
+    if (control_)
+        connect(control_, &DataControl::rowsChanged, this, &DataGridModel::reload);
     reload();
 }
 
@@ -40,7 +42,8 @@ void DataGridModel::reload() {
 }
 
 int DataGridModel::recordCount() const {
-    if (!control_ || !control_->isOpen()) return 0;
+    if (!control_ || !control_->isOpen())
+        return 0;
     return static_cast<int>(control_->Recordset().recordCount());
 }
 
@@ -49,7 +52,8 @@ int DataGridModel::ordinalOf(int column) const {
 }
 
 int DataGridModel::rowCount(const QModelIndex& parent) const {
-    if (parent.isValid()) return 0;
+    if (parent.isValid())
+        return 0;
     return recordCount() + (allowAddNew && control_ && control_->isOpen() ? 1 : 0);
 }
 
@@ -57,16 +61,21 @@ int DataGridModel::columnCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(columns_.size());
 }
 
-bool DataGridModel::isAsteriskRow(int row) const { return allowAddNew && row == recordCount(); }
+bool DataGridModel::isAsteriskRow(int row) const {
+    return allowAddNew && row == recordCount();
+}
 
 QVariant DataGridModel::data(const QModelIndex& index, int role) const {
-    if (role != Qt::DisplayRole && role != Qt::EditRole) return {};
+    if (role != Qt::DisplayRole && role != Qt::EditRole)
+        return {};
     const int ordinal = ordinalOf(index.column());
-    if (ordinal < 0 || !control_ || !control_->isOpen()) return {};
+    if (ordinal < 0 || !control_ || !control_->isOpen())
+        return {};
     store::Recordset& rows = control_->Recordset();
     jet::Value value;
     if (isAsteriskRow(index.row())) {
-        if (!rows.addingNew()) return {};
+        if (!rows.addingNew())
+            return {};
         value = rows.field(static_cast<std::size_t>(ordinal));
     } else {
         value = rows.valueAt(index.row() + 1, static_cast<std::size_t>(ordinal));
@@ -76,40 +85,48 @@ QVariant DataGridModel::data(const QModelIndex& index, int role) const {
 }
 
 QVariant DataGridModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (role != Qt::DisplayRole) return {};
+    if (role != Qt::DisplayRole)
+        return {};
     if (orientation == Qt::Horizontal) {
         return section < columns_.size() ? columns_[section].caption : QVariant();
     }
-    if (isAsteriskRow(section)) return QStringLiteral("*");
+    if (isAsteriskRow(section))
+        return QStringLiteral("*");
     return section == currentRow() ? QStringLiteral("▶") : QString();
 }
 
 Qt::ItemFlags DataGridModel::flags(const QModelIndex& index) const {
     Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
     const bool editable = isAsteriskRow(index.row()) ? allowAddNew : allowUpdate;
-    if (editable && ordinalOf(index.column()) >= 0) flags |= Qt::ItemIsEditable;
+    if (editable && ordinalOf(index.column()) >= 0)
+        flags |= Qt::ItemIsEditable;
     return flags;
 }
 
 int DataGridModel::currentRow() const {
-    if (!control_ || !control_->isOpen()) return -1;
+    if (!control_ || !control_->isOpen())
+        return -1;
     store::Recordset& rows = control_->Recordset();
-    if (rows.addingNew()) return allowAddNew ? recordCount() : -1;
+    if (rows.addingNew())
+        return allowAddNew ? recordCount() : -1;
     const long position = rows.absolutePosition();
     return position == store::Recordset::kPositionUnknown ? -1 : static_cast<int>(position - 1);
 }
 
 bool DataGridModel::setData(const QModelIndex& index, const QVariant& value, int role) {
     const int ordinal = ordinalOf(index.column());
-    if (role != Qt::EditRole || ordinal < 0 || !control_ || !control_->isOpen()) return false;
+    if (role != Qt::EditRole || ordinal < 0 || !control_ || !control_->isOpen())
+        return false;
     store::Recordset& rows = control_->Recordset();
     const GridColumn& column = columns_[index.column()];
     QString text = value.toString();
     const QString key = column.valueItems.key(text);
-    if (!key.isEmpty()) text = key;
+    if (!key.isEmpty())
+        text = key;
     try {
         if (isAsteriskRow(index.row())) {
-            if (!rows.addingNew()) rows.addNew();
+            if (!rows.addingNew())
+                rows.addNew();
         } else if (index.row() != currentRow()) {
             rows.setAbsolutePosition(index.row() + 1);
         }

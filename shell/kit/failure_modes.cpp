@@ -12,7 +12,8 @@ namespace {
 // Errors of the data layer carry the provider's number for a failed
 // command, anything else the platform's "invalid procedure call".
 QString errorNumber(const std::exception& error) {
-    if (dynamic_cast<const jet::Error*>(&error) != nullptr) return QStringLiteral("-2147217900 (80040e14)");
+    if (dynamic_cast<const jet::Error*>(&error) != nullptr)
+        return QStringLiteral("-2147217900 (80040e14)");
     return QStringLiteral("5");
 }
 

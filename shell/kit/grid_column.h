@@ -17,6 +17,8 @@ struct GridColumn {
 };
 
 // Twips to pixels at the 96 dots per inch the original's windows assumed.
-inline int twipsToPixels(int twips) { return twips / 15; }
+inline int twipsToPixels(int twips) {
+    return twips / 15;
+}
 
 }  // namespace kit

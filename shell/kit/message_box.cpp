@@ -25,7 +25,8 @@ QMessageBox::Icon iconOf(int style) {
 }  // namespace
 
 int MsgBox(const QString& prompt, int style, const QString& title) {
-    QMessageBox box(iconOf(style), title, prompt, QMessageBox::NoButton, QApplication::activeWindow());
+    QMessageBox box(iconOf(style), title, prompt, QMessageBox::NoButton,
+                    QApplication::activeWindow());
     box.setAccessibleName(title);
     box.setAccessibleDescription(prompt);
     if ((style & 0x0f) == 4) {

@@ -14,11 +14,15 @@ NavigationBar::NavigationBar(DataControl& control, QWidget* parent)
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(button(QStringLiteral("|◀"), QStringLiteral("İlk kayıt"), &store::Recordset::moveFirst));
-    layout->addWidget(button(QStringLiteral("◀"), QStringLiteral("Önceki kayıt"), &store::Recordset::movePrevious));
+    layout->addWidget(
+        button(QStringLiteral("|◀"), QStringLiteral("İlk kayıt"), &store::Recordset::moveFirst));
+    layout->addWidget(button(QStringLiteral("◀"), QStringLiteral("Önceki kayıt"),
+                             &store::Recordset::movePrevious));
     layout->addWidget(caption_, 1);
-    layout->addWidget(button(QStringLiteral("▶"), QStringLiteral("Sonraki kayıt"), &store::Recordset::moveNext));
-    layout->addWidget(button(QStringLiteral("▶|"), QStringLiteral("Son kayıt"), &store::Recordset::moveLast));
+    layout->addWidget(
+        button(QStringLiteral("▶"), QStringLiteral("Sonraki kayıt"), &store::Recordset::moveNext));
+    layout->addWidget(
+        button(QStringLiteral("▶|"), QStringLiteral("Son kayıt"), &store::Recordset::moveLast));
 }
 
 QToolButton* NavigationBar::button(const QString& arrow, const QString& name,
@@ -34,13 +38,17 @@ QToolButton* NavigationBar::button(const QString& arrow, const QString& name,
 // The bar stops at the ends instead of passing them, as the original's
 // control does.
 void NavigationBar::move(void (store::Recordset::*step)()) {
-    if (!control_ || !control_->isOpen()) return;
+    if (!control_ || !control_->isOpen())
+        return;
     store::Recordset& rows = control_->Recordset();
     try {
-        if (rows.recordCount() == 0) return;
+        if (rows.recordCount() == 0)
+            return;
         (rows.*step)();
-        if (rows.eof()) rows.moveLast();
-        if (rows.bof()) rows.moveFirst();
+        if (rows.eof())
+            rows.moveLast();
+        if (rows.bof())
+            rows.moveFirst();
     } catch (const std::exception& error) {
         MsgBox(QString::fromUtf8(error.what()), 48);
     }

@@ -18,7 +18,8 @@ public:
 
 private:
     void move(void (store::Recordset::*step)());
-    QToolButton* button(const QString& arrow, const QString& name, void (store::Recordset::*step)());
+    QToolButton* button(const QString& arrow, const QString& name,
+                        void (store::Recordset::*step)());
 
     QPointer<DataControl> control_;
     QLabel* caption_;

@@ -14,17 +14,19 @@ namespace {
 
 QString dateText(const jet::Date& date) {
     const jet::CivilDateTime civil = date.toCivil();
-    const QString time = QStringLiteral("%1:%2:%3")
-                             .arg(civil.hour, 2, 10, QLatin1Char('0'))
-                             .arg(civil.minute, 2, 10, QLatin1Char('0'))
-                             .arg(civil.second, 2, 10, QLatin1Char('0'));
+    QString time = QStringLiteral("%1:%2:%3")
+                       .arg(civil.hour, 2, 10, QLatin1Char('0'))
+                       .arg(civil.minute, 2, 10, QLatin1Char('0'))
+                       .arg(civil.second, 2, 10, QLatin1Char('0'));
     // Day zero of the OLE calendar holds times of day alone.
-    if (civil.year == 1899 && civil.month == 12 && civil.day == 30) return time;
-    const QString day = QStringLiteral("%1.%2.%3")
-                            .arg(civil.day, 2, 10, QLatin1Char('0'))
-                            .arg(civil.month, 2, 10, QLatin1Char('0'))
-                            .arg(civil.year, 4, 10, QLatin1Char('0'));
-    if (civil.hour == 0 && civil.minute == 0 && civil.second == 0) return day;
+    if (civil.year == 1899 && civil.month == 12 && civil.day == 30)
+        return time;
+    QString day = QStringLiteral("%1.%2.%3")
+                      .arg(civil.day, 2, 10, QLatin1Char('0'))
+                      .arg(civil.month, 2, 10, QLatin1Char('0'))
+                      .arg(civil.year, 4, 10, QLatin1Char('0'));
+    if (civil.hour == 0 && civil.minute == 0 && civil.second == 0)
+        return day;
     return day + QLatin1Char(' ') + time;
 }
 
@@ -36,7 +38,8 @@ QString dateText(const jet::Date& date) {
 double numberFromText(const QString& text, jet::ColumnType type) {
     bool ok = false;
     const double number = QLocale(QLocale::Turkish, QLocale::Turkey).toDouble(text.trimmed(), &ok);
-    if (!ok || !std::isfinite(number)) refuse(text, type);
+    if (!ok || !std::isfinite(number))
+        refuse(text, type);
     return number;
 }
 
@@ -44,15 +47,16 @@ jet::Value integerFromText(const QString& text, jet::ColumnType type, double low
     // Whole-number columns round half to even, as the original's variants
     // convert.
     const double rounded = std::nearbyint(numberFromText(text, type));
-    if (rounded < low || rounded > high) refuse(text, type);
+    if (rounded < low || rounded > high)
+        refuse(text, type);
     return jet::Value::integer(static_cast<std::int32_t>(rounded));
 }
 
 jet::Value dateFromText(const QString& text, jet::ColumnType type) {
     const QLocale turkish(QLocale::Turkish, QLocale::Turkey);
     const QString trimmed = text.trimmed();
-    for (const QString& format : {QStringLiteral("d.M.yyyy H:mm:ss"), QStringLiteral("d.M.yyyy H:mm"),
-                                  QStringLiteral("d.M.yyyy")}) {
+    for (const QString& format : {QStringLiteral("d.M.yyyy H:mm:ss"),
+                                  QStringLiteral("d.M.yyyy H:mm"), QStringLiteral("d.M.yyyy")}) {
         const QDateTime moment = turkish.toDateTime(trimmed, format);
         if (moment.isValid()) {
             const QDate day = moment.date();
@@ -89,7 +93,8 @@ QString displayText(const jet::Value& value) {
         case jet::Value::Kind::Date:
             return dateText(value.asDate());
         case jet::Value::Kind::Decimal:
-            return QString::fromStdString(value.asDecimal().toString()).replace(QLatin1Char('.'), QLatin1Char(','));
+            return QString::fromStdString(value.asDecimal().toString())
+                .replace(QLatin1Char('.'), QLatin1Char(','));
         case jet::Value::Kind::Text:
             return QString::fromStdU16String(value.asText());
     }
@@ -98,13 +103,17 @@ QString displayText(const jet::Value& value) {
 
 jet::Value valueFromText(const QString& text, jet::ColumnType type) {
     using jet::ColumnType;
-    if (type == ColumnType::Text || type == ColumnType::Memo) return jet::Value::text(text.toStdU16String());
-    if (text.trimmed().isEmpty()) return {};
+    if (type == ColumnType::Text || type == ColumnType::Memo)
+        return jet::Value::text(text.toStdU16String());
+    if (text.trimmed().isEmpty())
+        return {};
     switch (type) {
         case ColumnType::Boolean: {
             const QString word = text.trimmed().toLower();
-            if (word == QStringLiteral("true") || word == QStringLiteral("-1")) return jet::Value::boolean(true);
-            if (word == QStringLiteral("false") || word == QStringLiteral("0")) return jet::Value::boolean(false);
+            if (word == QStringLiteral("true") || word == QStringLiteral("-1"))
+                return jet::Value::boolean(true);
+            if (word == QStringLiteral("false") || word == QStringLiteral("0"))
+                return jet::Value::boolean(false);
             refuse(text, type);
         }
         case ColumnType::Byte:

@@ -24,7 +24,8 @@ protected:
         folder_ = std::make_unique<SchoolFolder>(kvlFixture());
     }
     void TearDown() override {
-        if (shell::isLoaded<shell::Form1>()) delete &shell::instance<shell::Form1>();
+        if (shell::isLoaded<shell::Form1>())
+            delete &shell::instance<shell::Form1>();
         shell::setTodayForTests(QDate());
         folder_.reset();
     }

@@ -6,8 +6,8 @@
 #include <QImage>
 
 #include "shell/clock.h"
-#include "shell/kit/connection_strings.h"
 #include "shell/form1.h"
+#include "shell/kit/connection_strings.h"
 #include "shell/window_registry.h"
 #include "store/jet/database.h"
 #include "store/jet/text.h"
@@ -25,7 +25,8 @@ using windows::testing::SchoolFolder;
 std::size_t columnOf(const jet::Database& database, const char16_t* table, const char16_t* name) {
     const jet::TableDefinition definition = database.table(table);
     for (std::size_t c = 0; c < definition.columns.size(); ++c) {
-        if (definition.columns[c].name == name) return c;
+        if (definition.columns[c].name == name)
+            return c;
     }
     throw std::runtime_error("no column");
 }
@@ -46,11 +47,13 @@ Student uniqueStudent(const std::filesystem::path& file) {
     const std::size_t numara = columnOf(database, u"ORNEK", u"Numara");
     const std::size_t tc = columnOf(database, u"ORNEK", u"TCKimlikNo");
     for (const auto& row : rows) {
-        if (row[numara].isNull() || row[tc].isNull()) continue;
+        if (row[numara].isNull() || row[tc].isNull())
+            continue;
         const auto same = std::count_if(rows.begin(), rows.end(), [&](const auto& other) {
             return !other[numara].isNull() && other[numara].asInteger() == row[numara].asInteger();
         });
-        if (same == 1) return {row[numara].asInteger(), row[tc].asDouble()};
+        if (same == 1)
+            return {row[numara].asInteger(), row[tc].asDouble()};
     }
     throw std::runtime_error("no student with a number of his own");
 }
@@ -63,7 +66,8 @@ protected:
         shell::setTodayForTests(QDate(2027, 3, 10));
     }
     void TearDown() override {
-        if (shell::isLoaded<shell::Form1>()) delete &shell::instance<shell::Form1>();
+        if (shell::isLoaded<shell::Form1>())
+            delete &shell::instance<shell::Form1>();
         shell::setTodayForTests(QDate());
         folder_.reset();
     }
@@ -106,7 +110,8 @@ TEST_F(MainWindow, QuickEntryRegistersOncePerMonthWhateverCombo2Shows) {
 
     // The same student again in the same month: a message, no row.
     quickEntry(form, student.numara);
-    EXPECT_EQ(answerer.seen, QStringList{QStringLiteral("Öğrenci daha önce bu ay için kaydedilmiş.")});
+    EXPECT_EQ(answerer.seen,
+              QStringList{QStringLiteral("Öğrenci daha önce bu ay için kaydedilmiş.")});
     EXPECT_EQ(permits(folder_->database()).size(), before + 1);
 
     // On the first of the next month the student is registered anew.
@@ -117,7 +122,8 @@ TEST_F(MainWindow, QuickEntryRegistersOncePerMonthWhateverCombo2Shows) {
     EXPECT_EQ(rows.back()[column(u"ay")].asInteger(), 4);
 
     // Another reader sees both rows.
-    const std::string csv = runCommand("mdb-export " + shellQuote(folder_->database().string()) + " IZINLER");
+    const std::string csv =
+        runCommand("mdb-export " + shellQuote(folder_->database().string()) + " IZINLER");
     const std::string tc = std::to_string(static_cast<long long>(student.tc));
     EXPECT_NE(csv.find(tc + ",", csv.find(tc + ",") + 1), std::string::npos) << csv.substr(0, 400);
 }
@@ -150,7 +156,8 @@ TEST_F(MainWindow, SearchBoxesNarrowTheRosterEachOnItsOwn) {
     const long prefix = roster.recordCount();
     EXPECT_GT(prefix, 0);
     EXPECT_LT(prefix, all);
-    EXPECT_TRUE(form.Text1->text().startsWith(QStringLiteral("Ay"), Qt::CaseInsensitive)) << form.Text1->text().toStdString();
+    EXPECT_TRUE(form.Text1->text().startsWith(QStringLiteral("Ay"), Qt::CaseInsensitive))
+        << form.Text1->text().toStdString();
 
     // Clearing the box reloads the whole table; the other boxes keep theirs.
     form.Text9->setText(QStringLiteral("x"));
@@ -160,7 +167,8 @@ TEST_F(MainWindow, SearchBoxesNarrowTheRosterEachOnItsOwn) {
 
     const QString someClass = form.Combo1->itemText(1);
     form.Combo1->setListIndex(1);
-    EXPECT_EQ(QString::fromStdU16String(roster.filter()), QStringLiteral(" SINIF = '") + someClass + "'");
+    EXPECT_EQ(QString::fromStdU16String(roster.filter()),
+              QStringLiteral(" SINIF = '") + someClass + "'");
     EXPECT_EQ(form.Text6->text(), someClass);
     form.Combo1->setListIndex(0);  // "Tümü"
     EXPECT_EQ(roster.recordCount(), all);
@@ -183,7 +191,8 @@ TEST_F(MainWindow, PhotographFollowsTheCurrentStudentAndNullShowsNoLogo) {
         store::Connection connection;
         connection.Open(kit::relativeConnectionString().toStdString());
         store::Recordset roster;
-        roster.open(u"select* from ORNEK where Numara=" + QString::number(withPicture.numara).toStdU16String(),
+        roster.open(u"select* from ORNEK where Numara=" +
+                        QString::number(withPicture.numara).toStdU16String(),
                     connection);
         roster.setField(u"resim", jet::Value::text(picture.toStdU16String()));
         roster.update();

@@ -19,22 +19,26 @@ void collect(QAccessibleInterface* node, QMultiMap<QAccessible::Role, QString>& 
              QStringList& unnamed) {
     for (int i = 0; i < node->childCount(); ++i) {
         QAccessibleInterface* child = node->child(i);
-        if (child == nullptr || child->state().invisible) continue;
+        if (child == nullptr || child->state().invisible)
+            continue;
         const QAccessible::Role role = child->role();
         QString name = child->text(QAccessible::Name);
         // On Linux a combo box's name is its entry; screen readers name it
         // by the label that the relation points to.
         if (role == QAccessible::ComboBox) {
             for (const auto& [label, relation] : child->relations(QAccessible::Label)) {
-                if (qobject_cast<QLabel*>(label->object())) name = label->text(QAccessible::Name);
+                if (qobject_cast<QLabel*>(label->object()))
+                    name = label->text(QAccessible::Name);
             }
         }
         found.insert(role, name);
         const bool control = role == QAccessible::EditableText || role == QAccessible::ComboBox ||
                              role == QAccessible::PushButton || role == QAccessible::RadioButton ||
                              role == QAccessible::Table;
-        if (control && name.trimmed().isEmpty()) unnamed << child->object()->metaObject()->className();
-        if (role != QAccessible::Table) collect(child, found, unnamed);
+        if (control && name.trimmed().isEmpty())
+            unnamed << child->object()->metaObject()->className();
+        if (role != QAccessible::Table)
+            collect(child, found, unnamed);
     }
 }
 
@@ -54,17 +58,20 @@ TEST(MainWindowAccessibility, EveryControlHasTheNameAUserSees) {
     EXPECT_TRUE(unnamed.isEmpty()) << unnamed.join(", ").toStdString();
 
     const QStringList boxes = found.values(QAccessible::EditableText);
-    for (const char* label : {"Ad  :", "Soyad  :", "Okul No  :", "T.C.", "Adı", "Soyadı", "Okul NO", "Sınıfı"}) {
+    for (const char* label :
+         {"Ad  :", "Soyad  :", "Okul No  :", "T.C.", "Adı", "Soyadı", "Okul NO", "Sınıfı"}) {
         EXPECT_TRUE(boxes.contains(QString::fromUtf8(label))) << label;
     }
     EXPECT_EQ(boxes.count(QStringLiteral("Okul No  :")), 2);  // Text11 and Text4
     EXPECT_TRUE(found.values(QAccessible::ComboBox).contains(QStringLiteral("Sınıf  :")));
     EXPECT_TRUE(found.values(QAccessible::ComboBox).contains(QStringLiteral("Kaydedilecek ay")));
     for (const char* caption : {"İzinlere Aktar", "Sil", "Tümünü Sil"}) {
-        EXPECT_TRUE(found.values(QAccessible::PushButton).contains(QString::fromUtf8(caption))) << caption;
+        EXPECT_TRUE(found.values(QAccessible::PushButton).contains(QString::fromUtf8(caption)))
+            << caption;
     }
     EXPECT_TRUE(found.values(QAccessible::RadioButton).contains(QStringLiteral("Tüm kayıtlar")));
-    EXPECT_TRUE(found.values(QAccessible::RadioButton).contains(QStringLiteral("Bu ayki kayıtlar")));
+    EXPECT_TRUE(
+        found.values(QAccessible::RadioButton).contains(QStringLiteral("Bu ayki kayıtlar")));
     EXPECT_TRUE(found.values(QAccessible::Table).contains(QStringLiteral("YEMEK İZNİ OLANLAR")));
 
     // Usable on a 1024x768 screen; the picture is kept for a look.

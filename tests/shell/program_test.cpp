@@ -47,7 +47,8 @@ TEST(Program, FileLookupsRegistryAndTheSampleWorkbook) {
     ASSERT_TRUE(shell::DosyaVarmı(workbook));
     QFile written(workbook);
     ASSERT_TRUE(written.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(written.readAll().startsWith(QByteArray::fromHex("d0cf11e0a1b11ae1")));  // a compound file
+    EXPECT_TRUE(
+        written.readAll().startsWith(QByteArray::fromHex("d0cf11e0a1b11ae1")));  // a compound file
     written.close();
     // A file already there stays as it is.
     ASSERT_TRUE(written.open(QIODevice::WriteOnly | QIODevice::Truncate));
@@ -58,8 +59,11 @@ TEST(Program, FileLookupsRegistryAndTheSampleWorkbook) {
     EXPECT_EQ(written.readAll(), QByteArray("eski"));
 
     const QString key = QStringLiteral("SOFTWARE\\Test\\FEATURE");
-    shell::RegSetDword(shell::RegistryRoot::LocalMachine, key, QStringLiteral("sofravan.exe"), 11000);
-    EXPECT_EQ(shell::RegGetDword(shell::RegistryRoot::LocalMachine, key, QStringLiteral("sofravan.exe")), 11000);
+    shell::RegSetDword(shell::RegistryRoot::LocalMachine, key, QStringLiteral("sofravan.exe"),
+                       11000);
+    EXPECT_EQ(
+        shell::RegGetDword(shell::RegistryRoot::LocalMachine, key, QStringLiteral("sofravan.exe")),
+        11000);
 }
 
 // Closing the main window starts the updater when a new version was

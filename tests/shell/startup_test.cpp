@@ -36,9 +36,12 @@ protected:
         folder_ = std::make_unique<SchoolFolder>(kvlFixture());
     }
     void TearDown() override {
-        if (shell::isLoaded<shell::Form1>()) delete &shell::instance<shell::Form1>();
-        if (shell::isLoaded<shell::Form9>()) delete &shell::instance<shell::Form9>();
-        if (shell::isLoaded<shell::frmSplash>()) delete &shell::instance<shell::frmSplash>();
+        if (shell::isLoaded<shell::Form1>())
+            delete &shell::instance<shell::Form1>();
+        if (shell::isLoaded<shell::Form9>())
+            delete &shell::instance<shell::Form9>();
+        if (shell::isLoaded<shell::frmSplash>())
+            delete &shell::instance<shell::frmSplash>();
         // Windows unloaded during the test go with the events they left.
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         folder_.reset();
@@ -49,7 +52,8 @@ protected:
 TEST_F(StartUp, SplashLeadsToTheMainWindowWhenNoPasswordIsSet) {
     setPassword(jet::Value::text(u""));
     shell::instance<shell::frmSplash>().show();
-    EXPECT_EQ(shell::instance<shell::frmSplash>().lblVersion->text(), QStringLiteral("Version 1.0.15"));
+    EXPECT_EQ(shell::instance<shell::frmSplash>().lblVersion->text(),
+              QStringLiteral("Version 1.0.15"));
     ASSERT_TRUE(QTest::qWaitFor([] { return shell::isLoaded<shell::Form1>(); }, 6000));
     EXPECT_FALSE(shell::isLoaded<shell::frmSplash>());
     EXPECT_FALSE(shell::isLoaded<shell::Form9>());

@@ -9,7 +9,8 @@
 
 namespace windows::testing {
 
-SchoolFolder::SchoolFolder(const std::filesystem::path& database) : previous_(std::filesystem::current_path()) {
+SchoolFolder::SchoolFolder(const std::filesystem::path& database)
+    : previous_(std::filesystem::current_path()) {
     std::filesystem::copy_file(database, folder_.path() / "kvl.mdb");
     std::filesystem::current_path(folder_.path());
     kit::setAppPathForTests(QString::fromStdString(folder_.path().string()));
@@ -24,7 +25,8 @@ MessageBoxAnswerer::MessageBoxAnswerer(QString button) : button_(std::move(butto
     timer_.setInterval(5);
     QObject::connect(&timer_, &QTimer::timeout, [this] {
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (box == nullptr || !box->isVisible()) return;
+        if (box == nullptr || !box->isVisible())
+            return;
         for (QAbstractButton* candidate : box->buttons()) {
             if (candidate->text() == button_) {
                 seen << box->text();
@@ -38,8 +40,10 @@ MessageBoxAnswerer::MessageBoxAnswerer(QString button) : button_(std::move(butto
 
 void type(QWidget* widget, const QString& text) {
     for (const QChar character : text) {
-        QTest::sendKeyEvent(QTest::Press, widget, Qt::Key_unknown, QString(character), Qt::NoModifier);
-        QTest::sendKeyEvent(QTest::Release, widget, Qt::Key_unknown, QString(character), Qt::NoModifier);
+        QTest::sendKeyEvent(QTest::Press, widget, Qt::Key_unknown, QString(character),
+                            Qt::NoModifier);
+        QTest::sendKeyEvent(QTest::Release, widget, Qt::Key_unknown, QString(character),
+                            Qt::NoModifier);
     }
 }
 

@@ -3,8 +3,8 @@
 #include <filesystem>
 
 #include <QStringList>
-#include <QWidget>
 #include <QTimer>
+#include <QWidget>
 
 #include "tests/store/jet/test_files.h"
 

@@ -23,7 +23,8 @@ using windows::testing::SchoolFolder;
 std::vector<std::string> exportedLines(const std::filesystem::path& file) {
     std::vector<std::string> lines;
     std::istringstream csv(runCommand("mdb-export " + shellQuote(file.string()) + " MENULER"));
-    for (std::string line; std::getline(csv, line);) lines.push_back(line);
+    for (std::string line; std::getline(csv, line);)
+        lines.push_back(line);
     return lines;
 }
 
@@ -32,7 +33,8 @@ protected:
     void SetUp() override {
         SKIP_WITHOUT_FIXTURES();
         folder_ = std::make_unique<SchoolFolder>(kvlFixture());
-        menus_ = std::make_unique<kit::DataControl>(QStringLiteral("MENULER"), QStringLiteral("Program Menü"));
+        menus_ = std::make_unique<kit::DataControl>(QStringLiteral("MENULER"),
+                                                    QStringLiteral("Program Menü"));
         menus_->Refresh();
     }
     std::unique_ptr<SchoolFolder> folder_;
@@ -42,7 +44,11 @@ protected:
 TEST_F(BoundControls, GridEditsAddsAndDeletesThroughTheRecordSet) {
     kit::DataGrid grid;
     grid.setDataSource(menus_.get());
-    grid.setColumns({{QStringLiteral("AY"), QStringLiteral("ay"), true, 900, {{QStringLiteral("11"), QStringLiteral("KASIM")}}},
+    grid.setColumns({{QStringLiteral("AY"),
+                      QStringLiteral("ay"),
+                      true,
+                      900,
+                      {{QStringLiteral("11"), QStringLiteral("KASIM")}}},
                      {QStringLiteral("GÜN"), QStringLiteral("gun")},
                      {QStringLiteral("SABAH"), QStringLiteral("sabah")},
                      {QStringLiteral("gizli"), QStringLiteral("oglen"), false}});
@@ -54,7 +60,8 @@ TEST_F(BoundControls, GridEditsAddsAndDeletesThroughTheRecordSet) {
     const int rows = static_cast<int>(before.size()) - 1;
     kit::DataGridModel& model = grid.model();
     ASSERT_EQ(model.rowCount(), rows + 1);  // and the asterisk row
-    EXPECT_EQ(model.headerData(rows, Qt::Vertical, Qt::DisplayRole).toString(), QStringLiteral("*"));
+    EXPECT_EQ(model.headerData(rows, Qt::Vertical, Qt::DisplayRole).toString(),
+              QStringLiteral("*"));
     EXPECT_EQ(model.data(model.index(0, 0), Qt::DisplayRole).toString(), QStringLiteral("KASIM"));
     EXPECT_TRUE(grid.isColumnHidden(3));
     EXPECT_EQ(grid.accessibleName(), QStringLiteral("Program Menü"));
@@ -64,7 +71,8 @@ TEST_F(BoundControls, GridEditsAddsAndDeletesThroughTheRecordSet) {
     ASSERT_TRUE(model.setData(model.index(1, 2), QStringLiteral("BAL, KAYMAK"), Qt::EditRole));
     EXPECT_EQ(exportedLines(folder_->database())[2], before[2]);
     grid.setCurrentIndex(model.index(2, 2));
-    EXPECT_EQ(exportedLines(folder_->database())[2], "11,1,\"BAL, KAYMAK\",\"TAVUK SOTE\",\"ET SOTE\",");
+    EXPECT_EQ(exportedLines(folder_->database())[2],
+              "11,1,\"BAL, KAYMAK\",\"TAVUK SOTE\",\"ET SOTE\",");
 
     // A month typed as its shown name is stored as its number; a number
     // that is no number is refused and the row keeps its value.
@@ -108,7 +116,8 @@ TEST_F(BoundControls, BoundBoxWritesWhenTheRowIsLeftOrTheWindowGoesDown) {
     windows::testing::type(breakfast, QStringLiteral(" VE BAL"));
     EXPECT_TRUE(exportedLines(folder_->database())[1].starts_with("11,1,\"PEYNİR\","));
     for (auto* button : bar->findChildren<QToolButton*>()) {
-        if (button->accessibleName() == QStringLiteral("Sonraki kayıt")) QTest::mouseClick(button, Qt::LeftButton);
+        if (button->accessibleName() == QStringLiteral("Sonraki kayıt"))
+            QTest::mouseClick(button, Qt::LeftButton);
     }
     EXPECT_EQ(breakfast->text(), QStringLiteral("ZEYTİN"));
     EXPECT_TRUE(exportedLines(folder_->database())[1].starts_with("11,1,\"PEYNİR VE BAL\","));
