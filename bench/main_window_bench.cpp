@@ -43,7 +43,7 @@ const QDate kToday(2031, 1, 15);
 fs::path freshTempFolder(const std::string& stem) {
     std::random_device seed;
     for (;;) {
-        const fs::path folder = fs::temp_directory_path() / (stem + "-" + std::to_string(seed()));
+        fs::path folder = fs::temp_directory_path() / (stem + "-" + std::to_string(seed()));
         if (fs::create_directory(folder))
             return folder;
     }
