@@ -7,7 +7,11 @@ std::u16string decodeText(ByteView stored) {
     const std::uint8_t* bytes = stored.data();
     std::u16string text;
     if (size >= 2 && bytes[0] == 0xff && bytes[1] == 0xfe) {
-        text.reserve(size);
+        // Never more characters than bytes: written in place, then cut to
+        // length. Tables are read a whole row set at a time, so this runs
+        // for every text of every row.
+        text.resize(size - 2);
+        char16_t* out = text.data();
         bool compressed = true;
         std::size_t i = 2;
         while (i < size) {
@@ -15,15 +19,16 @@ std::u16string decodeText(ByteView stored) {
                 compressed = !compressed;
                 ++i;
             } else if (compressed) {
-                text.push_back(bytes[i]);
+                *out++ = bytes[i];
                 ++i;
             } else if (i + 1 < size) {
-                text.push_back(static_cast<char16_t>(bytes[i] | (bytes[i + 1] << 8)));
+                *out++ = static_cast<char16_t>(bytes[i] | (bytes[i + 1] << 8));
                 i += 2;
             } else {
                 break;  // a lone trailing byte carries no character
             }
         }
+        text.resize(static_cast<std::size_t>(out - text.data()));
         return text;
     }
     text.resize(size / 2);
