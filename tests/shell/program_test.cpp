@@ -66,6 +66,50 @@ TEST(Program, FileLookupsRegistryAndTheSampleWorkbook) {
         11000);
 }
 
+TEST(Program, MenuTreeCarriesEveryItemAndTheSharedConnectionOpensQuietly) {
+    SKIP_WITHOUT_FIXTURES();
+    SchoolFolder folder(kvlFixture());
+    shell::Form1& form = shell::instance<shell::Form1>();
+    const std::vector<std::pair<const char*, const char*>> items = {
+        {"ayarlar", "Program ayarları"},
+        {"ogrencial", "e okul öğrenci bilgilerini al"},
+        {"pyoklama", "Yurtsayim öğrenci bilgileri al"},
+        {"gunduzluduzenle", "Gündüzlü Öğrenci Bilgileri Düzenle"},
+        {"yatiliduzenle", "Yatılı Öğrenci Bilgileri Düzenle"},
+        {"foto", "Fotğraf İşlemleri"},
+        {"mnhzirla", "Menü hazırlama"},
+        {"excelal", "Excel den yemek menüsü al"},
+        {"menu", "e-okul Yemek Menüsü Girişi"},
+        {"kay", "Kayan Yazı"},
+        {"cik", "Çıkış"},
+        {"kimlikbas", "Öğrenci kimlik basımı"},
+        {"izinliste", "Aylara göre yemek izni olanlar listesi"},
+        {"yemekliste", "Aylara göre yemek yiyenler listesi"},
+        {"ucret", "Aylara göre ücret vermeyenler listesi"},
+        {"gunliste", "Günlere göre yemek yiyenler listesi"},
+        {"gunucret", "Günlere göre ücret vermeyenler listesi"},
+        {"ymenulist", "Yemek Menüsü"},
+        {"rasyon", "Puantaj"},
+        {"about", "Hakkında"}};
+    for (const auto& [name, caption] : items) {
+        auto* action = form.findChild<QAction*>(QString::fromLatin1(name));
+        ASSERT_NE(action, nullptr) << name;
+        EXPECT_EQ(action->text(), QString::fromUtf8(caption)) << name;
+    }
+    EXPECT_FALSE(form.rasyon->isEnabled());
+    form.ayarlar->trigger();  // its window does not exist yet: nothing happens
+    delete &form;
+
+    shell::baglantiac();
+    ASSERT_TRUE(shell::baglanti && shell::baglanti->isOpen());
+    shell::baglantiac();  // a second Open fails, and the failure is swallowed
+    shell::baglanti.reset();
+    std::filesystem::remove(folder.database());
+    shell::baglantiac();
+    EXPECT_FALSE(shell::baglanti->isOpen());
+    shell::baglanti.reset();
+}
+
 // Closing the main window starts the updater when a new version was
 // announced; leaving by "Çıkış" never does.
 TEST(Program, OnlyClosingTheMainWindowStartsTheUpdater) {
