@@ -1,6 +1,7 @@
 // The main window's permit list: narrowing IZINLER by month, class, number
 // or name, and deleting one permit or all in view.
 
+#include "permits/search_filters.h"
 #include "shell/clock.h"
 #include "shell/form1.h"
 #include "shell/kit/failure_modes.h"
@@ -33,57 +34,28 @@ void Form1::Option2_Click() {
 }
 
 void Form1::Combo3_Click() {
-    kit::skip([this] {
-        const QString item = Combo3->currentText();
-        if (item == QStringLiteral("Tümü") || item == QStringLiteral("TÜMÜ")) {
-            izinler.Recordset().clearFilter();
-            izinler.Refresh();
-        } else {
-            izinler.Recordset().setFilter(
-                text(QStringLiteral(" SINIF = '") + item + QStringLiteral("'")));
-        }
-    });
+    kit::skip([this] { permits::classSearch(izinler, Combo3->currentText()); });
 }
 
 // No error handling: an apostrophe ends the program.
 void Form1::Text3_Change() {
-    if (Text3->text().isEmpty()) {
-        Command3_Click();
-    } else {
-        izinler.Recordset().setFilter(
-            text(QStringLiteral(" Adi like '") + Text3->text().trimmed() + QStringLiteral("%'")));
-    }
+    permits::prefixSearch(izinler, QStringLiteral("Adi"), Text3->text(),
+                          [this] { Command3_Click(); });
 }
 
 void Form1::Text7_Change() {
-    if (Text7->text().isEmpty()) {
-        Command3_Click();
-    } else {
-        izinler.Recordset().setFilter(text(QStringLiteral(" Soyadi like '") +
-                                           Text7->text().trimmed() + QStringLiteral("%'")));
-    }
+    permits::prefixSearch(izinler, QStringLiteral("Soyadi"), Text7->text(),
+                          [this] { Command3_Click(); });
 }
 
+// Unlike Text11, no check that the text is a number.
 void Form1::Text4_Change() {
-    kit::skip([this] {
-        if (Text4->text().isEmpty()) {
-            Command3_Click();
-        } else {
-            izinler.Recordset().setFilter(text(QStringLiteral(" Numara like ") + Text4->text()));
-        }
-    });
+    kit::skip(
+        [this] { permits::numberSearch(izinler, Text4->text(), [this] { Command3_Click(); }); });
 }
 
 void Form1::Text8_Change() {
-    kit::skip([this] {
-        if (Text8->text().isEmpty()) {
-            izinler.Recordset().clearFilter();
-            izinler.Refresh();
-        } else {
-            izinler.Recordset().setFilter(
-                text(QStringLiteral("TCKimlikno=") + kit::plainNumber(kit::Val(Text8->text()))));
-        }
-    });
+    kit::skip([this] { permits::identitySearch(izinler, Text8->text()); });
 }
 
 void Form1::Command5_Click() {

@@ -3,6 +3,7 @@
 
 #include <QPixmap>
 
+#include "permits/search_filters.h"
 #include "shell/form1.h"
 #include "shell/kit/failure_modes.h"
 #include "shell/kit/message_box.h"
@@ -11,48 +12,21 @@
 #include "store/data_error.h"
 
 namespace shell {
-namespace {
-
-bool isAll(const QString& item) {
-    return item == QStringLiteral("Tümü") || item == QStringLiteral("TÜMÜ");
-}
-
-std::u16string text(const QString& filter) {
-    return filter.toStdU16String();
-}
-
-}  // namespace
 
 void Form1::Combo1_Click() {
-    kit::skip([this] {
-        if (isAll(Combo1->currentText())) {
-            ornek.Recordset().clearFilter();
-            ornek.Refresh();
-        } else {
-            ornek.Recordset().setFilter(
-                text(QStringLiteral(" SINIF = '") + Combo1->currentText() + QStringLiteral("'")));
-        }
-    });
+    kit::skip([this] { permits::classSearch(ornek, Combo1->currentText()); });
 }
 
-// No error handling: an apostrophe in the name breaks the filter and ends
-// the program through the run-time error report.
+// No error handling: an apostrophe in the name ends the program through the
+// run-time error report.
 void Form1::Text10_Change() {
-    if (Text10->text().isEmpty()) {
-        Command2_Click();
-    } else {
-        ornek.Recordset().setFilter(
-            text(QStringLiteral(" Adi like '") + Text10->text().trimmed() + QStringLiteral("%'")));
-    }
+    permits::prefixSearch(ornek, QStringLiteral("Adi"), Text10->text(),
+                          [this] { Command2_Click(); });
 }
 
 void Form1::Text9_Change() {
-    if (Text9->text().isEmpty()) {
-        Command2_Click();
-    } else {
-        ornek.Recordset().setFilter(text(QStringLiteral(" Soyadi like '") +
-                                         Text9->text().trimmed() + QStringLiteral("%'")));
-    }
+    permits::prefixSearch(ornek, QStringLiteral("Soyadi"), Text9->text(),
+                          [this] { Command2_Click(); });
 }
 
 void Form1::Text11_Change() {
@@ -66,13 +40,7 @@ void Form1::Text11_Change() {
             Text11->setSelection(0, static_cast<int>(Text1->text().size()));
         }
     });
-    kit::skip([&] {
-        if (number.isEmpty()) {
-            Command2_Click();
-        } else {
-            ornek.Recordset().setFilter(text(QStringLiteral(" Numara like ") + number));
-        }
-    });
+    kit::skip([&] { permits::numberSearch(ornek, number, [this] { Command2_Click(); }); });
 }
 
 void Form1::Text11_KeyPress(int keyAscii) {
@@ -84,15 +52,7 @@ void Form1::Text11_KeyPress(int keyAscii) {
 }
 
 void Form1::Text23_Change() {
-    kit::skip([this] {
-        if (Text23->text().isEmpty()) {
-            ornek.Recordset().clearFilter();
-            ornek.Refresh();
-        } else {
-            ornek.Recordset().setFilter(
-                text(QStringLiteral("TCKimlikno=") + kit::plainNumber(kit::Val(Text23->text()))));
-        }
-    });
+    kit::skip([this] { permits::identitySearch(ornek, Text23->text()); });
 }
 
 void Form1::Text5_Change() {

@@ -31,6 +31,39 @@ Box* labelled(QGridLayout* grid, int row, int column, const QString& caption, Bo
     return box;
 }
 
+// The search frame both lists share: a class, a first name, a surname, a
+// school number and an identity number, placed in rows of `perRow`.
+struct SearchFrame {
+    QGroupBox* frame;
+    kit::ComboBox* sinif;
+    QLineEdit* ad;
+    QLineEdit* soyad;
+    QLineEdit* okulNo;
+    QLineEdit* tc;
+};
+
+SearchFrame searchFrame(int perRow) {
+    SearchFrame boxes{new QGroupBox(QStringLiteral(" Arama Alanı...")),
+                      new kit::ComboBox,
+                      new QLineEdit,
+                      new QLineEdit,
+                      new QLineEdit,
+                      new QLineEdit};
+    boxes.sinif->setPlaceholderText(QStringLiteral("Sınıf seçiniz...."));
+    auto* grid = new QGridLayout(boxes.frame);
+    int place = 0;
+    const auto next = [&](const QString& caption, QWidget* box) {
+        labelled(grid, place / perRow, 2 * (place % perRow), caption, box);
+        ++place;
+    };
+    next(QStringLiteral("Sınıf  :"), boxes.sinif);
+    next(QStringLiteral("Ad  :"), boxes.ad);
+    next(QStringLiteral("Soyad  :"), boxes.soyad);
+    next(QStringLiteral("Okul No  :"), boxes.okulNo);
+    next(QStringLiteral("T.C."), boxes.tc);
+    return boxes;
+}
+
 kit::BoundTextBox* boundBox(kit::DataControl& control, const QString& field) {
     auto* box = new kit::BoundTextBox;
     box->bind(control, field);
@@ -117,14 +150,13 @@ QWidget* Form1::buildStudentArea() {
     auto* row = new QHBoxLayout(area);
     row->setContentsMargins(0, 0, 0, 0);
 
-    Frame3 = new QGroupBox(QStringLiteral(" Arama Alanı..."));
-    auto* search = new QGridLayout(Frame3);
-    Combo1 = labelled(search, 0, 0, QStringLiteral("Sınıf  :"), new kit::ComboBox);
-    Combo1->setPlaceholderText(QStringLiteral("Sınıf seçiniz...."));
-    Text10 = labelled(search, 1, 0, QStringLiteral("Ad  :"), new QLineEdit);
-    Text9 = labelled(search, 2, 0, QStringLiteral("Soyad  :"), new QLineEdit);
-    Text11 = labelled(search, 3, 0, QStringLiteral("Okul No  :"), new QLineEdit);
-    Text23 = labelled(search, 4, 0, QStringLiteral("T.C."), new QLineEdit);
+    const SearchFrame students = searchFrame(1);
+    Frame3 = students.frame;
+    Combo1 = students.sinif;
+    Text10 = students.ad;
+    Text9 = students.soyad;
+    Text11 = students.okulNo;
+    Text23 = students.tc;
     row->addWidget(Frame3);
 
     Frame2 = new QGroupBox(QStringLiteral("Öğrenci Bilgileri"));
@@ -172,14 +204,13 @@ QWidget* Form1::buildPermitArea() {
     column->setContentsMargins(0, 0, 0, 0);
 
     auto* top = new QHBoxLayout;
-    Frame1 = new QGroupBox(QStringLiteral(" Arama Alanı..."));
-    auto* search = new QGridLayout(Frame1);
-    Combo3 = labelled(search, 0, 0, QStringLiteral("Sınıf  :"), new kit::ComboBox);
-    Combo3->setPlaceholderText(QStringLiteral("Sınıf seçiniz...."));
-    Text3 = labelled(search, 0, 2, QStringLiteral("Ad  :"), new QLineEdit);
-    Text7 = labelled(search, 0, 4, QStringLiteral("Soyad  :"), new QLineEdit);
-    Text4 = labelled(search, 1, 0, QStringLiteral("Okul No  :"), new QLineEdit);
-    Text8 = labelled(search, 1, 2, QStringLiteral("T.C."), new QLineEdit);
+    const SearchFrame permits = searchFrame(3);
+    Frame1 = permits.frame;
+    Combo3 = permits.sinif;
+    Text3 = permits.ad;
+    Text7 = permits.soyad;
+    Text4 = permits.okulNo;
+    Text8 = permits.tc;
     top->addWidget(Frame1, 1);
 
     auto* choices = new QVBoxLayout;

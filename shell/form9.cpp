@@ -5,10 +5,10 @@
 #include <QLabel>
 
 #include "shell/form1.h"
-#include "shell/kit/connection_strings.h"
 #include "shell/kit/failure_modes.h"
 #include "shell/kit/message_box.h"
 #include "shell/scramble.h"
+#include "shell/stored_password.h"
 #include "shell/window_registry.h"
 #include "store/data_error.h"
 
@@ -19,14 +19,10 @@ namespace {
 // file or a Null password ends the program through the run-time error
 // report.
 void login(Form9& window) {
-    store::Connection connection;
-    store::Recordset settings;
-    connection.Open(kit::absoluteConnectionString(QStringLiteral("KVL.mdb")).toStdString());
-    settings.open(u"select* from AYAR", connection, store::CursorType::Keyset,
-                  store::LockType::Optimistic, -1);
-    const jet::Value stored = settings.field(u"SIFRE");
-    if (stored.kind() != jet::Value::Kind::Text)
+    const jet::Value stored = storedPassword();
+    if (stored.kind() != jet::Value::Kind::Text) {
         throw store::DataError("invalid use of Null");
+    }
     const QString password = sifrecoz(scrambleKey, QString::fromStdU16String(stored.asText()));
     if (password != window.Text1->text()) {
         kit::MsgBox(QStringLiteral("Giriş başarısız!"), 0);

@@ -4,9 +4,9 @@
 
 #include "shell/form1.h"
 #include "shell/form9.h"
-#include "shell/kit/connection_strings.h"
 #include "shell/kit/failure_modes.h"
 #include "shell/program_state.h"
+#include "shell/stored_password.h"
 #include "shell/window_registry.h"
 
 namespace shell {
@@ -51,22 +51,14 @@ void frmSplash::Timer2_Timer() {
 }
 
 void sifrevarmi() {
-    store::Connection connection;
-    store::Recordset settings;
-    connection.Open(kit::absoluteConnectionString(QStringLiteral("KVL.mdb")).toStdString());
-    settings.open(u"select* from AYAR", connection, store::CursorType::Keyset,
-                  store::LockType::Optimistic, -1);
-    const jet::Value password = settings.field(u"SIFRE");
+    const jet::Value password = storedPassword();
     // A Null password is not unequal to "" either: the main window opens.
-    if (!password.isNull() && password.kind() == jet::Value::Kind::Text &&
-        !password.asText().empty()) {
+    if (password.kind() == jet::Value::Kind::Text && !password.asText().empty()) {
         instance<Form9>().show();
     } else {
         instance<Form1>().show();
         unload<frmSplash>();
     }
-    settings.close();
-    connection.Close();
 }
 
 }  // namespace shell

@@ -15,20 +15,10 @@ using jet::testing::runCommand;
 using jet::testing::shellQuote;
 using windows::testing::kvlFixture;
 using windows::testing::MessageBoxAnswerer;
-using windows::testing::SchoolFolder;
+using windows::testing::SchoolWindowTest;
 
-class PermitList : public ::testing::Test {
+class PermitList : public SchoolWindowTest {
 protected:
-    void SetUp() override {
-        SKIP_WITHOUT_FIXTURES();
-        folder_ = std::make_unique<SchoolFolder>(kvlFixture());
-    }
-    void TearDown() override {
-        if (shell::isLoaded<shell::Form1>())
-            delete &shell::instance<shell::Form1>();
-        shell::setTodayForTests(QDate());
-        folder_.reset();
-    }
     std::size_t storedPermits() const {
         return readRows(jet::Database(folder_->database().string()), u"IZINLER").size();
     }
@@ -37,7 +27,6 @@ protected:
             runCommand("mdb-export " + shellQuote(folder_->database().string()) + " IZINLER");
         return static_cast<std::size_t>(std::count(csv.begin(), csv.end(), '\n')) - 1;
     }
-    std::unique_ptr<SchoolFolder> folder_;
 };
 
 TEST_F(PermitList, OptionsAndSearchBoxesNarrowAndLabel16KeepsItsCount) {

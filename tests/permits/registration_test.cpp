@@ -20,7 +20,7 @@ using jet::testing::runCommand;
 using jet::testing::shellQuote;
 using windows::testing::kvlFixture;
 using windows::testing::MessageBoxAnswerer;
-using windows::testing::SchoolFolder;
+using windows::testing::SchoolWindowTest;
 
 std::size_t columnOf(const jet::Database& database, const char16_t* table, const char16_t* name) {
     const jet::TableDefinition definition = database.table(table);
@@ -58,18 +58,12 @@ Student uniqueStudent(const std::filesystem::path& file) {
     throw std::runtime_error("no student with a number of his own");
 }
 
-class MainWindow : public ::testing::Test {
+class MainWindow : public SchoolWindowTest {
 protected:
     void SetUp() override {
-        SKIP_WITHOUT_FIXTURES();
-        folder_ = std::make_unique<SchoolFolder>(kvlFixture());
-        shell::setTodayForTests(QDate(2027, 3, 10));
-    }
-    void TearDown() override {
-        if (shell::isLoaded<shell::Form1>())
-            delete &shell::instance<shell::Form1>();
-        shell::setTodayForTests(QDate());
-        folder_.reset();
+        SchoolWindowTest::SetUp();
+        if (!IsSkipped())
+            shell::setTodayForTests(QDate(2027, 3, 10));
     }
     shell::Form1& open() {
         shell::Form1& form = shell::instance<shell::Form1>();
@@ -81,8 +75,6 @@ protected:
         QTest::keyClicks(form.Text11, QString::number(numara));
         QTest::keyClick(form.Text11, Qt::Key_Return);
     }
-
-    std::unique_ptr<SchoolFolder> folder_;
 };
 
 TEST_F(MainWindow, QuickEntryRegistersOncePerMonthWhateverCombo2Shows) {

@@ -18,7 +18,7 @@ namespace {
 
 using windows::testing::kvlFixture;
 using windows::testing::MessageBoxAnswerer;
-using windows::testing::SchoolFolder;
+using windows::testing::SchoolWindowTest;
 
 void setPassword(const jet::Value& stored) {
     store::Connection connection;
@@ -29,25 +29,7 @@ void setPassword(const jet::Value& stored) {
     settings.update();
 }
 
-class StartUp : public ::testing::Test {
-protected:
-    void SetUp() override {
-        SKIP_WITHOUT_FIXTURES();
-        folder_ = std::make_unique<SchoolFolder>(kvlFixture());
-    }
-    void TearDown() override {
-        if (shell::isLoaded<shell::Form1>())
-            delete &shell::instance<shell::Form1>();
-        if (shell::isLoaded<shell::Form9>())
-            delete &shell::instance<shell::Form9>();
-        if (shell::isLoaded<shell::frmSplash>())
-            delete &shell::instance<shell::frmSplash>();
-        // Windows unloaded during the test go with the events they left.
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        folder_.reset();
-    }
-    std::unique_ptr<SchoolFolder> folder_;
-};
+class StartUp : public SchoolWindowTest {};
 
 TEST_F(StartUp, SplashLeadsToTheMainWindowWhenNoPasswordIsSet) {
     setPassword(jet::Value::text(u""));

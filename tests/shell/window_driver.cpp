@@ -5,7 +5,12 @@
 #include <QMessageBox>
 #include <QTest>
 
+#include "shell/clock.h"
+#include "shell/form1.h"
+#include "shell/form9.h"
+#include "shell/frm_splash.h"
 #include "shell/kit/app_path.h"
+#include "shell/window_registry.h"
 
 namespace windows::testing {
 
@@ -45,6 +50,24 @@ void type(QWidget* widget, const QString& text) {
         QTest::sendKeyEvent(QTest::Release, widget, Qt::Key_unknown, QString(character),
                             Qt::NoModifier);
     }
+}
+
+void SchoolWindowTest::SetUp() {
+    SKIP_WITHOUT_FIXTURES();
+    folder_ = std::make_unique<SchoolFolder>(kvlFixture());
+}
+
+void SchoolWindowTest::TearDown() {
+    if (shell::isLoaded<shell::Form1>())
+        delete &shell::instance<shell::Form1>();
+    if (shell::isLoaded<shell::Form9>())
+        delete &shell::instance<shell::Form9>();
+    if (shell::isLoaded<shell::frmSplash>())
+        delete &shell::instance<shell::frmSplash>();
+    // Windows unloaded during the test go with the events they left.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    shell::setTodayForTests(QDate());
+    folder_.reset();
 }
 
 std::filesystem::path kvlFixture() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 
 #include <QStringList>
 #include <QTimer>
@@ -42,6 +43,16 @@ private:
 // Types the text into the widget key by key, as a user would; Turkish
 // letters included.
 void type(QWidget* widget, const QString& text);
+
+// A test of the windows on a copy of the fixture school's file: skipped
+// without the fixtures; the windows, the folder and the clock are put back
+// after it.
+class SchoolWindowTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+    std::unique_ptr<SchoolFolder> folder_;
+};
 
 // The fixture school's file, or an empty path without the fixtures.
 std::filesystem::path kvlFixture();
