@@ -4,6 +4,7 @@
 #include "permits/search_filters.h"
 #include "shell/clock.h"
 #include "shell/form1.h"
+#include "shell/kit/busy_cursor.h"
 #include "shell/kit/failure_modes.h"
 #include "shell/kit/message_box.h"
 #include "shell/kit/vb_number.h"
@@ -73,6 +74,7 @@ void Form1::Command5_Click() {
 // the start stay, and rounds beyond the end fail and are passed over.
 void Form1::Command4_Click() {
     const int answer = kit::MsgBox(QStringLiteral("Tüm seçili kayıtlar silinsin mi?"), 36);
+    const kit::BusyCursor busy;
     if (answer == kit::vbYes) {
         long rounds = 0;
         kit::skip([&] { rounds = izinler.Recordset().recordCount(); });
