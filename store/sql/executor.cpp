@@ -681,6 +681,11 @@ std::string groupCacheKey(const jet::Database& database, const jet::TableDefinit
 // a write during the scan changes the stamp, so the entry is never found.
 class GroupCache {
 public:
+    void clear() {
+        std::lock_guard<std::mutex> lock(mutex_);
+        entries_.clear();
+    }
+
     std::shared_ptr<const GroupMap> find(const std::string& key, const FileStamp& stamp) {
         std::lock_guard<std::mutex> lock(mutex_);
         for (const Entry& entry : entries_) {
@@ -954,6 +959,10 @@ long runDelete(jet::Database& database, const DeleteStatement& s) {
 }
 
 }  // namespace
+
+void clearResultCache() {
+    groupCache().clear();
+}
 
 std::u16string findTableName(const jet::Database& database, std::u16string_view name) {
     for (const std::u16string& table : database.userTableNames()) {
