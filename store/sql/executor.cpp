@@ -22,6 +22,10 @@ namespace {
 using jet::Value;
 using Row = std::vector<Value>;
 
+// More rows than a data page of 4096 bytes can hold, for bounding what a
+// table definition claims.
+constexpr std::size_t kMaxRowsPerPage = 1024;
+
 std::string utf8(std::u16string_view text) {
     return jet::toUtf8(text);
 }
@@ -514,7 +518,8 @@ std::optional<std::vector<jet::RowId>> indexedRows(const jet::Database& database
 }
 
 // Calls `visit(rowId, values)` for each row of the table that `where` keeps,
-// in stored order, through an index when a term allows it.
+// in stored order, through an index when a term allows it. The visitor may
+// take the values away.
 template <typename Visit>
 void forEachRow(const jet::Database& database, const jet::TableDefinition& table,
                 const std::optional<Node>& where, Visit visit) {
@@ -619,7 +624,7 @@ GroupMap groupRows(const jet::Database& database, const jet::TableDefinition& ta
     // Rows of one group tend to come in runs (the meal log is written day by
     // day, meal by meal): the group of the row before is tried first.
     GroupMap::iterator last = groups.end();
-    forEachRow(database, table, where, [&](jet::RowId, const Row& values) {
+    forEachRow(database, table, where, [&](jet::RowId, Row& values) {
         bool same = last != groups.end();
         for (std::size_t i = 0; same && i < groupColumns.size(); ++i) {
             same = compareValues(values[groupColumns[i]], last->first[i]) == 0;
@@ -806,19 +811,35 @@ QueryResult runSelect(const jet::Database& database, const SelectStatement& s) {
             if (n.kind != Expression::Kind::Column)
                 throw Error("an aggregate needs GROUP BY");
         }
+        // select*: the decoded rows are the result rows and are taken over.
+        bool wholeRows = items.size() == table.columns.size();
+        for (std::size_t i = 0; wholeRows && i < items.size(); ++i)
+            wholeRows = items[i].column == static_cast<int>(i);
+        if (!where) {
+            // The count the table records, bounded for a damaged one.
+            const std::size_t expected = std::min<std::size_t>(
+                table.rowCount, std::size_t{database.file().pageCount()} * kMaxRowsPerPage);
+            result.rows.reserve(expected);
+            result.rowIds.reserve(expected);
+        }
         std::vector<Row> keys;
-        forEachRow(database, table, where, [&](jet::RowId id, const Row& values) {
-            Row out;
-            out.reserve(items.size());
-            for (const Node& n : items)
-                out.push_back(values[n.column]);
+        forEachRow(database, table, where, [&](jet::RowId id, Row& values) {
             if (!s.orderBy.empty()) {
                 Row key;
                 for (std::size_t k = 0; k < s.orderBy.size(); ++k) {
-                    key.push_back(orderResultColumn[k] >= 0 ? out[orderResultColumn[k]]
-                                                            : values[orderTableColumn[k]]);
+                    key.push_back(
+                        values[orderResultColumn[k] >= 0 ? items[orderResultColumn[k]].column
+                                                         : orderTableColumn[k]]);
                 }
                 keys.push_back(std::move(key));
+            }
+            Row out;
+            if (wholeRows) {
+                out = std::move(values);
+            } else {
+                out.reserve(items.size());
+                for (const Node& n : items)
+                    out.push_back(values[n.column]);
             }
             result.rows.push_back(std::move(out));
             result.rowIds.push_back(id);
@@ -952,7 +973,7 @@ long runDelete(jet::Database& database, const DeleteStatement& s) {
     if (s.where)
         where = query.resolve(*s.where, nullptr);
     std::vector<jet::RowId> rows;
-    forEachRow(database, table, where, [&](jet::RowId id, const Row&) { rows.push_back(id); });
+    forEachRow(database, table, where, [&](jet::RowId id, Row&) { rows.push_back(id); });
     if (!rows.empty())
         database.deleteRows(name, rows);
     return static_cast<long>(rows.size());
