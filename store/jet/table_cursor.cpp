@@ -45,9 +45,9 @@ ByteView resolveRow(const PageSource& file, const TableDefinition& table, const 
 }
 
 void decodeRowOf(const PageSource& file, const TableDefinition& table, RowId id, ByteView bytes,
-                 std::vector<Value>& out) {
+                 std::vector<Value>& out, const ColumnSelection& columns) {
     try {
-        decodeRow(file, table, bytes, out);
+        decodeRow(file, table, bytes, out, columns);
     } catch (const Error& error) {
         throw Error("row " + std::to_string(id.row) + " of page " + std::to_string(id.page) +
                     " of table " + toUtf8(table.name) + " is damaged: " + error.what());
@@ -61,9 +61,11 @@ TableCursor::TableCursor(const PageSource& file, const TableDefinition& table)
 
 bool TableCursor::loadPage(std::size_t index) {
     file_.read(pages_[index], page_);
-    if (page_[0] != format::kPageData) return false;
+    if (page_[0] != format::kPageData)
+        return false;
     const DataPage dataPage(page_, pages_[index]);
-    if (dataPage.owner() != table_.page) return false;
+    if (dataPage.owner() != table_.page)
+        return false;
     rowCount_ = dataPage.rowCount();
     nextRow_ = 0;
     return true;
@@ -73,7 +75,8 @@ bool TableCursor::next() {
     if (!started_) {
         started_ = true;
         pageIndex_ = 0;
-        while (pageIndex_ < pages_.size() && !loadPage(pageIndex_)) ++pageIndex_;
+        while (pageIndex_ < pages_.size() && !loadPage(pageIndex_))
+            ++pageIndex_;
     }
     while (pageIndex_ < pages_.size()) {
         while (nextRow_ < rowCount_) {
@@ -81,28 +84,31 @@ bool TableCursor::next() {
             const RowSlot slot = DataPage(page_, pages_[pageIndex_]).slot(row);
             // A row flagged deleted without the moved flag is the data of a
             // moved row: it is reached through its pointer, not here.
-            if (slot.deleted) continue;
+            if (slot.deleted)
+                continue;
             current_ = RowId{pages_[pageIndex_], row};
             currentBytes_ = resolveRow(file_, table_, page_, pages_[pageIndex_], row, overflowPage_,
                                        currentMoved_);
             return true;
         }
         ++pageIndex_;
-        while (pageIndex_ < pages_.size() && !loadPage(pageIndex_)) ++pageIndex_;
+        while (pageIndex_ < pages_.size() && !loadPage(pageIndex_))
+            ++pageIndex_;
     }
     return false;
 }
 
-void TableCursor::values(std::vector<Value>& out) const {
-    decodeRowOf(file_, table_, current_, currentBytes_, out);
+void TableCursor::values(std::vector<Value>& out, const ColumnSelection& columns) const {
+    decodeRowOf(file_, table_, current_, currentBytes_, out, columns);
 }
 
 RowReader::RowReader(const PageSource& file, const TableDefinition& table)
     : file_(file), table_(table) {}
 
-bool RowReader::read(RowId row, std::vector<Value>& out) {
+bool RowReader::read(RowId row, std::vector<Value>& out, const ColumnSelection& columns) {
     if (row.page != pageNumber_) {
-        if (row.page == 0 || row.page >= file_.pageCount()) return false;
+        if (row.page == 0 || row.page >= file_.pageCount())
+            return false;
         file_.read(row.page, page_);
         pageNumber_ = row.page;
         pageIsTable_ =
@@ -115,7 +121,7 @@ bool RowReader::read(RowId row, std::vector<Value>& out) {
         return false;
     bool moved = false;
     ByteView bytes = resolveRow(file_, table_, page_, row.page, row.row, overflowPage_, moved);
-    decodeRowOf(file_, table_, row, bytes, out);
+    decodeRowOf(file_, table_, row, bytes, out, columns);
     return true;
 }
 

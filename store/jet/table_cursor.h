@@ -5,6 +5,7 @@
 
 #include "bytes.h"
 #include "page_file.h"
+#include "row_decoder.h"
 #include "table_definition.h"
 #include "value.h"
 
@@ -35,7 +36,8 @@ public:
     RowId rowId() const { return current_; }
     // Whether the row's data was moved to another page (the row keeps its place).
     bool rowMoved() const { return currentMoved_; }
-    void values(std::vector<Value>& out) const;
+    // The row's values; with `columns`, those it selects (see decodeRow).
+    void values(std::vector<Value>& out, const ColumnSelection& columns = {}) const;
 
 private:
     bool loadPage(std::size_t index);
@@ -46,7 +48,7 @@ private:
     std::size_t pageIndex_ = 0;         // the page in page_, as index into pages_
     Page page_{};
     Page overflowPage_{};
-    std::uint16_t rowCount_ = 0;        // rows on page_
+    std::uint16_t rowCount_ = 0;  // rows on page_
     std::uint16_t nextRow_ = 0;
     bool started_ = false;
     RowId current_;
@@ -63,7 +65,8 @@ public:
     // The values of the row. False when it is not a live row of the table:
     // the page is no data page of the table, the slot lies beyond its rows,
     // or the row is deleted. Throws Error when the row's bytes are damaged.
-    bool read(RowId row, std::vector<Value>& out);
+    // With `columns`, only those it selects are decoded (see decodeRow).
+    bool read(RowId row, std::vector<Value>& out, const ColumnSelection& columns = {});
 
 private:
     const PageSource& file_;

@@ -517,15 +517,26 @@ std::optional<std::vector<jet::RowId>> indexedRows(const jet::Database& database
     return std::nullopt;
 }
 
+// Marks the table columns that the node reads.
+void markColumns(const Node& n, jet::ColumnSelection& columns) {
+    if (n.column >= 0)
+        columns[n.column] = true;
+    for (const Node& operand : n.operands)
+        markColumns(operand, columns);
+}
+
 // Calls `visit(rowId, values)` for each row of the table that `where` keeps,
 // in stored order, through an index when a term allows it. The visitor may
-// take the values away.
+// take the values away. Only the selected columns, and those `where` reads,
+// are decoded; the others are Null. An empty selection decodes them all.
 template <typename Visit>
 void forEachRow(const jet::Database& database, const jet::TableDefinition& table,
-                const std::optional<Node>& where, Visit visit) {
+                const std::optional<Node>& where, jet::ColumnSelection columns, Visit visit) {
     std::vector<Node> terms;
     if (where)
         conjuncts(*where, terms);
+    if (!columns.empty() && where)
+        markColumns(*where, columns);
     Row values;
     auto keep = [&] {
         Scope scope;
@@ -537,14 +548,14 @@ void forEachRow(const jet::Database& database, const jet::TableDefinition& table
         jet::RowReader reader(database.file(), table);
         for (const jet::RowId& id : *rows) {
             // A row the index names but that is gone: deleted meanwhile.
-            if (reader.read(id, values) && keep())
+            if (reader.read(id, values, columns) && keep())
                 visit(id, values);
         }
         return;
     }
     jet::TableCursor cursor = database.scan(table);
     while (cursor.next()) {
-        cursor.values(values);
+        cursor.values(values, columns);
         if (keep())
             visit(cursor.rowId(), values);
     }
@@ -624,7 +635,12 @@ GroupMap groupRows(const jet::Database& database, const jet::TableDefinition& ta
     // Rows of one group tend to come in runs (the meal log is written day by
     // day, meal by meal): the group of the row before is tried first.
     GroupMap::iterator last = groups.end();
-    forEachRow(database, table, where, [&](jet::RowId, Row& values) {
+    jet::ColumnSelection columns(table.columns.size(), false);
+    for (int c : groupColumns)
+        columns[c] = true;
+    for (const Node& a : aggregates)
+        markColumns(a, columns);
+    forEachRow(database, table, where, columns, [&](jet::RowId, Row& values) {
         bool same = last != groups.end();
         for (std::size_t i = 0; same && i < groupColumns.size(); ++i) {
             same = compareValues(values[groupColumns[i]], last->first[i]) == 0;
@@ -822,8 +838,18 @@ QueryResult runSelect(const jet::Database& database, const SelectStatement& s) {
             result.rows.reserve(expected);
             result.rowIds.reserve(expected);
         }
+        jet::ColumnSelection columns;  // all of them for select*
+        if (!wholeRows) {
+            columns.assign(table.columns.size(), false);
+            for (const Node& n : items)
+                columns[n.column] = true;
+            for (int c : orderTableColumn) {
+                if (c >= 0)
+                    columns[c] = true;
+            }
+        }
         std::vector<Row> keys;
-        forEachRow(database, table, where, [&](jet::RowId id, Row& values) {
+        forEachRow(database, table, where, columns, [&](jet::RowId id, Row& values) {
             if (!s.orderBy.empty()) {
                 Row key;
                 for (std::size_t k = 0; k < s.orderBy.size(); ++k) {
@@ -973,7 +999,8 @@ long runDelete(jet::Database& database, const DeleteStatement& s) {
     if (s.where)
         where = query.resolve(*s.where, nullptr);
     std::vector<jet::RowId> rows;
-    forEachRow(database, table, where, [&](jet::RowId id, Row&) { rows.push_back(id); });
+    forEachRow(database, table, where, jet::ColumnSelection(table.columns.size(), false),
+               [&](jet::RowId id, Row&) { rows.push_back(id); });
     if (!rows.empty())
         database.deleteRows(name, rows);
     return static_cast<long>(rows.size());
