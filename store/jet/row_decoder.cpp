@@ -75,8 +75,21 @@ Value decodeField(const PageSource& file, const Column& column, ByteView field) 
 
 }  // namespace
 
+Value TextValues::text(std::size_t column, ByteView stored) {
+    if (column >= columns_.size())
+        columns_.resize(column + 1);
+    Texts& texts = columns_[column];
+    const std::string_view bytes(reinterpret_cast<const char*>(stored.data()), stored.size());
+    if (auto found = texts.find(bytes); found != texts.end())
+        return found->second;
+    Value value = Value::text(decodeText(stored));
+    if (texts.size() < kTextsPerColumn)
+        texts.emplace(std::string(bytes), value);
+    return value;
+}
+
 void decodeRow(const PageSource& file, const TableDefinition& table, ByteView row,
-               std::vector<Value>& values, const ColumnSelection& columns) {
+               std::vector<Value>& values, const ColumnSelection& columns, TextValues* texts) {
     values.resize(table.columns.size());
     const std::size_t rowColumns = row.u16(0);
     const std::size_t maskSize = (rowColumns + 7) / 8;
@@ -140,7 +153,10 @@ void decodeRow(const PageSource& file, const TableDefinition& table, ByteView ro
                         "(bytes " + std::to_string(start) + " to " + std::to_string(end) + " of " +
                         std::to_string(row.size()) + ")");
         }
-        values[i] = decodeField(file, column, row.sub(start, end - start));
+        const ByteView field = row.sub(start, end - start);
+        values[i] = texts != nullptr && column.type == ColumnType::Text
+                        ? texts->text(i, field)
+                        : decodeField(file, column, field);
     }
 }
 

@@ -45,9 +45,9 @@ ByteView resolveRow(const PageSource& file, const TableDefinition& table, const 
 }
 
 void decodeRowOf(const PageSource& file, const TableDefinition& table, RowId id, ByteView bytes,
-                 std::vector<Value>& out, const ColumnSelection& columns) {
+                 std::vector<Value>& out, const ColumnSelection& columns, TextValues& texts) {
     try {
-        decodeRow(file, table, bytes, out, columns);
+        decodeRow(file, table, bytes, out, columns, &texts);
     } catch (const Error& error) {
         throw Error("row " + std::to_string(id.row) + " of page " + std::to_string(id.page) +
                     " of table " + toUtf8(table.name) + " is damaged: " + error.what());
@@ -99,7 +99,7 @@ bool TableCursor::next() {
 }
 
 void TableCursor::values(std::vector<Value>& out, const ColumnSelection& columns) const {
-    decodeRowOf(file_, table_, current_, currentBytes_, out, columns);
+    decodeRowOf(file_, table_, current_, currentBytes_, out, columns, texts_);
 }
 
 RowReader::RowReader(const PageSource& file, const TableDefinition& table)
@@ -121,7 +121,7 @@ bool RowReader::read(RowId row, std::vector<Value>& out, const ColumnSelection& 
         return false;
     bool moved = false;
     ByteView bytes = resolveRow(file_, table_, page_, row.page, row.row, overflowPage_, moved);
-    decodeRowOf(file_, table_, row, bytes, out, columns);
+    decodeRowOf(file_, table_, row, bytes, out, columns, texts_);
     return true;
 }
 

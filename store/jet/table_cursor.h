@@ -54,6 +54,7 @@ private:
     RowId current_;
     bool currentMoved_ = false;
     ByteView currentBytes_;
+    mutable TextValues texts_;  // shared by the rows of the scan
 };
 
 // Reads rows by their identity, as an index gives them. Keeps the last data
@@ -75,6 +76,7 @@ private:
     Page overflowPage_{};
     std::uint32_t pageNumber_ = 0;  // the page in page_; 0 for none
     bool pageIsTable_ = false;      // page_ is a data page of the table
+    TextValues texts_;              // shared by the rows read
 };
 
 // One row by its identity; see RowReader::read.
