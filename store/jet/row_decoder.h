@@ -28,7 +28,7 @@ public:
     Value text(std::size_t column, ByteView stored);
 
 private:
-    static constexpr std::size_t kTextsPerColumn = 1024;
+    static constexpr std::size_t kTextsPerColumn = 16384;
 
     struct BytesHash {
         using is_transparent = void;

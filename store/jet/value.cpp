@@ -95,7 +95,7 @@ std::string Decimal::toString() const {
 static_assert(sizeof(Value) == 16, "a value is a kind and eight bytes");
 
 void Value::release() {
-    if (!isShared() || number_.shared->references.fetch_sub(1, std::memory_order_acq_rel) != 1)
+    if (number_.shared->references.fetch_sub(1, std::memory_order_acq_rel) != 1)
         return;
     switch (kind_) {
         case Kind::Decimal:

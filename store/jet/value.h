@@ -90,7 +90,10 @@ public:
         swap(taken);
         return *this;
     }
-    ~Value() { release(); }
+    ~Value() {
+        if (isShared())
+            release();
+    }
 
     static Value boolean(bool b) { return Value(Kind::Boolean, Number{.boolean = b}); }
     static Value integer(std::int32_t i) { return Value(Kind::Integer, Number{.integer = i}); }
@@ -151,7 +154,7 @@ private:
         if (isShared())
             number_.shared->references.fetch_add(1, std::memory_order_relaxed);
     }
-    void release();
+    void release();  // REQUIRES: isShared()
     void swap(Value& other) noexcept {
         std::swap(kind_, other.kind_);
         std::swap(number_, other.number_);
