@@ -632,33 +632,47 @@ GroupMap groupRows(const jet::Database& database, const jet::TableDefinition& ta
                    const std::vector<Node>& aggregates) {
     GroupMap groups;
     Row key;
-    // Rows of one group tend to come in runs (the meal log is written day by
-    // day, meal by meal): the group of the row before is tried first.
-    GroupMap::iterator last = groups.end();
+    // Rows of one group tend to come close together (the meal log is written
+    // day by day, meal by meal): the groups met last are tried first, by
+    // plain equality of values, before the map and its collation.
+    constexpr std::size_t kRecentGroups = 16;
+    std::vector<GroupMap::iterator> recent;
     jet::ColumnSelection columns(table.columns.size(), false);
     for (int c : groupColumns)
         columns[c] = true;
     for (const Node& a : aggregates)
         markColumns(a, columns);
     forEachRow(database, table, where, columns, [&](jet::RowId, Row& values) {
-        bool same = last != groups.end();
-        for (std::size_t i = 0; same && i < groupColumns.size(); ++i) {
-            same = compareValues(values[groupColumns[i]], last->first[i]) == 0;
-        }
-        if (!same) {
+        const auto holdsRow = [&](GroupMap::iterator group) {
+            for (std::size_t i = 0; i < groupColumns.size(); ++i) {
+                if (!(values[groupColumns[i]] == group->first[i]))
+                    return false;
+            }
+            return true;
+        };
+        GroupMap::iterator group;
+        if (auto hit = std::find_if(recent.begin(), recent.end(), holdsRow); hit != recent.end()) {
+            group = *hit;
+            std::rotate(recent.begin(), hit, hit + 1);
+        } else {
             key.clear();
             for (int c : groupColumns)
                 key.push_back(values[c]);
-            last = groups.find(key);
-            if (last == groups.end()) {
+            group = groups.find(key);
+            if (group == groups.end()) {
                 Group g;
                 g.first = values;
                 g.accumulators.resize(aggregates.size());
-                last = groups.emplace(key, std::move(g)).first;
+                group = groups.emplace(key, std::move(g)).first;
+            }
+            if (std::find(recent.begin(), recent.end(), group) == recent.end()) {
+                recent.insert(recent.begin(), group);
+                if (recent.size() > kRecentGroups)
+                    recent.pop_back();
             }
         }
         for (std::size_t a = 0; a < aggregates.size(); ++a) {
-            accumulate(aggregates[a], values, last->second.accumulators[a]);
+            accumulate(aggregates[a], values, group->second.accumulators[a]);
         }
     });
     return groups;
