@@ -60,10 +60,25 @@ TableCursor::TableCursor(const PageSource& file, const TableDefinition& table)
     : file_(file), table_(table), pages_(readUsageMap(file, table.usageMap)) {}
 
 bool TableCursor::loadPage(std::size_t index) {
-    file_.read(pages_[index], page_);
-    if (page_[0] != format::kPageData)
+    if (index < readFrom_ || index >= readFrom_ + readCount_) {
+        // The run of pages that follow pages_[index] in the file, within it.
+        const std::uint32_t first = pages_[index];
+        const std::uint32_t end = file_.pageCount();
+        std::size_t count = 1;
+        while (count < kPagesReadTogether && index + count < pages_.size() &&
+               pages_[index + count] == first + count && first + count < end) {
+            ++count;
+        }
+        readPages_.resize(kPagesReadTogether);
+        file_.readPages(first, count, readPages_.data());
+        readFrom_ = index;
+        readCount_ = count;
+    }
+    page_ = &readPages_[index - readFrom_];
+    const Page& page = *page_;
+    if (page[0] != format::kPageData)
         return false;
-    const DataPage dataPage(page_, pages_[index]);
+    const DataPage dataPage(page, pages_[index]);
     if (dataPage.owner() != table_.page)
         return false;
     rowCount_ = dataPage.rowCount();
@@ -81,14 +96,14 @@ bool TableCursor::next() {
     while (pageIndex_ < pages_.size()) {
         while (nextRow_ < rowCount_) {
             const std::uint16_t row = nextRow_++;
-            const RowSlot slot = DataPage(page_, pages_[pageIndex_]).slot(row);
+            const RowSlot slot = DataPage(*page_, pages_[pageIndex_]).slot(row);
             // A row flagged deleted without the moved flag is the data of a
             // moved row: it is reached through its pointer, not here.
             if (slot.deleted)
                 continue;
             current_ = RowId{pages_[pageIndex_], row};
-            currentBytes_ = resolveRow(file_, table_, page_, pages_[pageIndex_], row, overflowPage_,
-                                       currentMoved_);
+            currentBytes_ = resolveRow(file_, table_, *page_, pages_[pageIndex_], row,
+                                       overflowPage_, currentMoved_);
             return true;
         }
         ++pageIndex_;

@@ -28,6 +28,9 @@ public:
     // Reads the table's usage map; pages it names that belong to another
     // table are passed over, as Jet leaves stale bits in such maps.
     TableCursor(const PageSource& file, const TableDefinition& table);
+    TableCursor(TableCursor&&) = default;
+    TableCursor(const TableCursor&) = delete;
+    TableCursor& operator=(const TableCursor&) = delete;
 
     // Moves to the next live row; false when there is none.
     bool next();
@@ -42,11 +45,18 @@ public:
 private:
     bool loadPage(std::size_t index);
 
+    // Pages that follow each other in the file are read together, this
+    // many at most.
+    static constexpr std::size_t kPagesReadTogether = 16;
+
     const PageSource& file_;
     const TableDefinition& table_;
     std::vector<std::uint32_t> pages_;  // data pages from the usage map
     std::size_t pageIndex_ = 0;         // the page in page_, as index into pages_
-    Page page_{};
+    std::vector<Page> readPages_;       // pages_[readFrom_] and those read with it
+    std::size_t readFrom_ = 0;
+    std::size_t readCount_ = 0;
+    const Page* page_ = nullptr;  // in readPages_
     Page overflowPage_{};
     std::uint16_t rowCount_ = 0;  // rows on page_
     std::uint16_t nextRow_ = 0;
