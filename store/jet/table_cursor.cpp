@@ -15,13 +15,12 @@ namespace {
 // more than once, so a longer chain is damage.
 constexpr int kMaxOverflowHops = 4;
 
-// The bytes of row `row` of the data page `home` (page `homeNumber`),
+// The bytes of row `row` of the data page `homePage`, whose slot is `slot`,
 // followed to where a moved row's pointer sends it. `overflow` receives the
-// page the data lies on when it is not `home`.
-ByteView resolveRow(const PageSource& file, const TableDefinition& table, const Page& home,
-                    std::uint32_t homeNumber, std::uint16_t row, Page& overflow, bool& moved) {
-    const DataPage homePage(home, homeNumber);
-    RowSlot slot = homePage.slot(row);
+// page the data lies on when it is not the home page.
+ByteView resolveRow(const PageSource& file, const TableDefinition& table, const DataPage& homePage,
+                    std::uint16_t row, RowSlot slot, Page& overflow, bool& moved) {
+    const std::uint32_t homeNumber = homePage.number();
     moved = slot.overflow;
     if (!slot.overflow)
         return homePage.rowBytes(slot);
@@ -96,14 +95,15 @@ bool TableCursor::next() {
     while (pageIndex_ < pages_.size()) {
         while (nextRow_ < rowCount_) {
             const std::uint16_t row = nextRow_++;
-            const RowSlot slot = DataPage(*page_, pages_[pageIndex_]).slot(row);
+            const DataPage page(*page_, pages_[pageIndex_]);
+            const RowSlot slot = page.slot(row);
             // A row flagged deleted without the moved flag is the data of a
             // moved row: it is reached through its pointer, not here.
             if (slot.deleted)
                 continue;
             current_ = RowId{pages_[pageIndex_], row};
-            currentBytes_ = resolveRow(file_, table_, *page_, pages_[pageIndex_], row,
-                                       overflowPage_, currentMoved_);
+            currentBytes_ =
+                resolveRow(file_, table_, page, row, slot, overflowPage_, currentMoved_);
             return true;
         }
         ++pageIndex_;
@@ -132,10 +132,13 @@ bool RowReader::read(RowId row, std::vector<Value>& out, const ColumnSelection& 
     if (!pageIsTable_)
         return false;
     const DataPage page(page_, row.page);
-    if (row.row >= page.rowCount() || page.slot(row.row).deleted)
+    if (row.row >= page.rowCount())
+        return false;
+    const RowSlot slot = page.slot(row.row);
+    if (slot.deleted)
         return false;
     bool moved = false;
-    ByteView bytes = resolveRow(file_, table_, page_, row.page, row.row, overflowPage_, moved);
+    ByteView bytes = resolveRow(file_, table_, page, row.row, slot, overflowPage_, moved);
     decodeRowOf(file_, table_, row, bytes, out, columns, texts_);
     return true;
 }
