@@ -110,30 +110,4 @@ void Value::release() {
     }
 }
 
-bool operator==(const Value& a, const Value& b) {
-    if (a.kind_ != b.kind_)
-        return false;
-    switch (a.kind_) {
-        case Value::Kind::Null:
-            return true;
-        case Value::Kind::Boolean:
-            return a.asBoolean() == b.asBoolean();
-        case Value::Kind::Integer:
-            return a.asInteger() == b.asInteger();
-        case Value::Kind::Double:
-            return a.asDouble() == b.asDouble();
-        case Value::Kind::Currency:
-            return a.asCurrency() == b.asCurrency();
-        case Value::Kind::Date:
-            return a.asDate() == b.asDate();
-        case Value::Kind::Decimal:
-            return a.asDecimal() == b.asDecimal();
-        case Value::Kind::Text:
-            return a.number_.shared == b.number_.shared || a.asText() == b.asText();
-        case Value::Kind::Bytes:
-            return a.number_.shared == b.number_.shared || a.asBytes() == b.asBytes();
-    }
-    return false;
-}
-
 }  // namespace jet
