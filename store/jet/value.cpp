@@ -94,6 +94,18 @@ std::string Decimal::toString() const {
 
 static_assert(sizeof(Value) == 16, "a value is a kind and eight bytes");
 
+Value Value::decimal(Decimal d) {
+    return Value(Kind::Decimal, Number{.shared = new Shared<Decimal>{{}, d}});
+}
+
+Value Value::text(std::u16string t) {
+    return Value(Kind::Text, Number{.shared = new Shared<std::u16string>{{}, std::move(t)}});
+}
+
+Value Value::bytes(Bytes b) {
+    return Value(Kind::Bytes, Number{.shared = new Shared<Bytes>{{}, std::move(b)}});
+}
+
 void Value::release() {
     if (number_.shared->references.fetch_sub(1, std::memory_order_acq_rel) != 1)
         return;

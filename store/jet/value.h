@@ -100,15 +100,9 @@ public:
     static Value real(double d) { return Value(Kind::Double, Number{.real = d}); }
     static Value currency(Currency c) { return Value(Kind::Currency, Number{.currency = c}); }
     static Value date(Date d) { return Value(Kind::Date, Number{.date = d}); }
-    static Value decimal(Decimal d) {
-        return Value(Kind::Decimal, Number{.shared = new Shared<Decimal>{{}, d}});
-    }
-    static Value text(std::u16string t) {
-        return Value(Kind::Text, Number{.shared = new Shared<std::u16string>{{}, std::move(t)}});
-    }
-    static Value bytes(Bytes b) {
-        return Value(Kind::Bytes, Number{.shared = new Shared<Bytes>{{}, std::move(b)}});
-    }
+    static Value decimal(Decimal d);
+    static Value text(std::u16string t);
+    static Value bytes(Bytes b);
 
     Kind kind() const { return kind_; }
     bool isNull() const { return kind() == Kind::Null; }
