@@ -52,6 +52,7 @@ void Recordset::open(std::u16string_view sql, Connection& connection, CursorType
                                          : kindOfValues(query.rows, c));
     }
     rows_.clear();
+    rows_.reserve(query.rows.size());
     for (std::size_t r = 0; r < query.rows.size(); ++r) {
         Row row{std::move(query.rows[r]), std::nullopt, false};
         if (!baseTable_.empty() && r < query.rowIds.size()) row.id = query.rowIds[r];
@@ -309,6 +310,7 @@ void Recordset::remove() {
 void Recordset::rebuildView() {
     ++viewVersion_;
     view_.clear();
+    view_.reserve(rows_.size());
     for (std::size_t r = 0; r < rows_.size(); ++r) {
         if (rows_[r].deleted) continue;
         if (filter_ && !filter_->matches(filterBinding_, rows_[r].values)) continue;

@@ -5,8 +5,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 
 #include "error.h"
@@ -18,11 +18,15 @@ namespace {
 long crashCountdown = -1;
 }  // namespace
 
-void setCrashAfterWrites(long writes) { crashCountdown = writes; }
+void setCrashAfterWrites(long writes) {
+    crashCountdown = writes;
+}
 
 void crashPoint() {
-    if (crashCountdown < 0) return;
-    if (crashCountdown == 0) ::kill(::getpid(), SIGKILL);
+    if (crashCountdown < 0)
+        return;
+    if (crashCountdown == 0)
+        ::kill(::getpid(), SIGKILL);
     --crashCountdown;
 }
 
@@ -39,7 +43,8 @@ PageFile::PageFile(const std::string& path, Mode mode) : path_(path), mode_(mode
 }
 
 PageFile::~PageFile() {
-    if (fd_ >= 0) ::close(fd_);
+    if (fd_ >= 0)
+        ::close(fd_);
 }
 
 std::uint64_t PageFile::sizeInBytes() const {
@@ -59,21 +64,33 @@ std::size_t PageFile::readPrefix(std::uint8_t* buffer, std::size_t length) const
     std::size_t done = 0;
     while (done < length) {
         const ssize_t got = ::pread(fd_, buffer + done, length - done, static_cast<off_t>(done));
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0) throw Error("cannot read " + path_ + ": " + std::strerror(errno));
-        if (got == 0) break;
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            throw Error("cannot read " + path_ + ": " + std::strerror(errno));
+        if (got == 0)
+            break;
         done += static_cast<std::size_t>(got);
     }
     return done;
 }
 
 void PageFile::read(std::uint32_t number, Page& page) const {
-    const off_t offset = static_cast<off_t>(number) * static_cast<off_t>(format::kPageSize);
+    readPages(number, 1, &page);
+}
+
+void PageFile::readPages(std::uint32_t first, std::size_t count, Page* pages) const {
+    static_assert(sizeof(Page) == format::kPageSize, "pages lie next to each other in an array");
+    auto* bytes = reinterpret_cast<std::uint8_t*>(pages);
+    const std::size_t size = count * format::kPageSize;
+    const off_t offset = static_cast<off_t>(first) * static_cast<off_t>(format::kPageSize);
     std::size_t done = 0;
-    while (done < page.size()) {
+    while (done < size) {
         const ssize_t got =
-            ::pread(fd_, page.data() + done, page.size() - done, offset + static_cast<off_t>(done));
-        if (got < 0 && errno == EINTR) continue;
+            ::pread(fd_, bytes + done, size - done, offset + static_cast<off_t>(done));
+        if (got < 0 && errno == EINTR)
+            continue;
+        const std::uint32_t number = first + static_cast<std::uint32_t>(done / format::kPageSize);
         if (got < 0) {
             throw Error("cannot read page " + std::to_string(number) + " of " + path_ + ": " +
                         std::strerror(errno));
@@ -84,13 +101,16 @@ void PageFile::read(std::uint32_t number, Page& page) const {
         }
         done += static_cast<std::size_t>(got);
     }
-    if (encodingKey_ != 0 && number != 0) {
-        rc4Apply(encodingKey_ ^ number, page.data(), page.size());
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint32_t number = first + static_cast<std::uint32_t>(i);
+        if (encodingKey_ != 0 && number != 0)
+            rc4Apply(encodingKey_ ^ number, pages[i].data(), pages[i].size());
     }
 }
 
 void PageFile::write(std::uint32_t number, const Page& page) {
-    if (mode_ != Mode::ReadWrite) throw Error(path_ + " is open for reading only");
+    if (mode_ != Mode::ReadWrite)
+        throw Error(path_ + " is open for reading only");
     Page stored = page;
     if (encodingKey_ != 0 && number != 0) {
         rc4Apply(encodingKey_ ^ number, stored.data(), stored.size());
@@ -101,7 +121,8 @@ void PageFile::write(std::uint32_t number, const Page& page) {
     while (done < stored.size()) {
         const ssize_t put = ::pwrite(fd_, stored.data() + done, stored.size() - done,
                                      offset + static_cast<off_t>(done));
-        if (put < 0 && errno == EINTR) continue;
+        if (put < 0 && errno == EINTR)
+            continue;
         if (put <= 0) {
             throw Error("cannot write page " + std::to_string(number) + " of " + path_ + ": " +
                         std::strerror(errno));

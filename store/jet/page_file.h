@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -18,6 +19,12 @@ public:
     virtual std::uint32_t pageCount() const = 0;
     // Throws Error when the page lies beyond the end.
     virtual void read(std::uint32_t number, Page& page) const = 0;
+    // Reads `count` pages from page `first` on into `pages`, as read does
+    // one by one.
+    virtual void readPages(std::uint32_t first, std::size_t count, Page* pages) const {
+        for (std::size_t i = 0; i < count; ++i)
+            read(first + static_cast<std::uint32_t>(i), pages[i]);
+    }
 };
 
 // The database file seen as numbered pages. Pages are read from the file on
@@ -41,6 +48,8 @@ public:
     // end of the file. Pages other than the header are decoded when the
     // database is encoded (setEncodingKey).
     void read(std::uint32_t number, Page& page) const override;
+    // In one request to the system.
+    void readPages(std::uint32_t first, std::size_t count, Page* pages) const override;
 
     // Reads the first `length` bytes of the file, however short it is.
     std::size_t readPrefix(std::uint8_t* buffer, std::size_t length) const;

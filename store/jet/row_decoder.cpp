@@ -75,8 +75,21 @@ Value decodeField(const PageSource& file, const Column& column, ByteView field) 
 
 }  // namespace
 
+Value TextValues::text(std::size_t column, ByteView stored) {
+    if (column >= columns_.size())
+        columns_.resize(column + 1);
+    Texts& texts = columns_[column];
+    const std::string_view bytes(reinterpret_cast<const char*>(stored.data()), stored.size());
+    if (auto found = texts.find(bytes); found != texts.end())
+        return found->second;
+    Value value = Value::text(decodeText(stored));
+    if (texts.size() < kTextsPerColumn)
+        texts.emplace(std::string(bytes), value);
+    return value;
+}
+
 void decodeRow(const PageSource& file, const TableDefinition& table, ByteView row,
-               std::vector<Value>& values) {
+               std::vector<Value>& values, const ColumnSelection& columns, TextValues* texts) {
     values.resize(table.columns.size());
     const std::size_t rowColumns = row.u16(0);
     const std::size_t maskSize = (rowColumns + 7) / 8;
@@ -90,7 +103,8 @@ void decodeRow(const PageSource& file, const TableDefinition& table, ByteView ro
     std::size_t rowVariableColumns = 0;
     std::size_t offsetTableEnd = row.size() - maskSize;  // one past the count of variable columns
     if (table.variableColumnCount > 0) {
-        if (offsetTableEnd < 4) throw Error("a row is too short for its variable columns");
+        if (offsetTableEnd < 4)
+            throw Error("a row is too short for its variable columns");
         rowVariableColumns = row.u16(offsetTableEnd - 2);
         if (offsetTableEnd < 4 + 2 * (rowVariableColumns + 1)) {
             throw Error("a row of " + std::to_string(row.size()) + " bytes cannot hold the " +
@@ -105,6 +119,11 @@ void decodeRow(const PageSource& file, const TableDefinition& table, ByteView ro
         offsetTableEnd - (table.variableColumnCount > 0 ? 2 + 2 * (rowVariableColumns + 1) : 0);
 
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
+        if (!columns.empty() && (i >= columns.size() || !columns[i])) {
+            if (!values[i].isNull())
+                values[i] = Value();
+            continue;
+        }
         const Column& column = table.columns[i];
         const bool present = column.number < rowColumns &&
                              (nullMask.u8(column.number / 8) & (1u << (column.number % 8))) != 0;
@@ -131,10 +150,13 @@ void decodeRow(const PageSource& file, const TableDefinition& table, ByteView ro
         }
         if (start > end || end > variableDataLimit) {
             throw Error("the value of column " + toUtf8(column.name) + " lies outside its row " +
-                        "(bytes " + std::to_string(start) + " to " + std::to_string(end) +
-                        " of " + std::to_string(row.size()) + ")");
+                        "(bytes " + std::to_string(start) + " to " + std::to_string(end) + " of " +
+                        std::to_string(row.size()) + ")");
         }
-        values[i] = decodeField(file, column, row.sub(start, end - start));
+        const ByteView field = row.sub(start, end - start);
+        values[i] = texts != nullptr && column.type == ColumnType::Text
+                        ? texts->text(i, field)
+                        : decodeField(file, column, field);
     }
 }
 

@@ -15,13 +15,12 @@ namespace {
 // more than once, so a longer chain is damage.
 constexpr int kMaxOverflowHops = 4;
 
-// The bytes of row `row` of the data page `home` (page `homeNumber`),
+// The bytes of row `row` of the data page `homePage`, whose slot is `slot`,
 // followed to where a moved row's pointer sends it. `overflow` receives the
-// page the data lies on when it is not `home`.
-ByteView resolveRow(const PageSource& file, const TableDefinition& table, const Page& home,
-                    std::uint32_t homeNumber, std::uint16_t row, Page& overflow, bool& moved) {
-    const DataPage homePage(home, homeNumber);
-    RowSlot slot = homePage.slot(row);
+// page the data lies on when it is not the home page.
+ByteView resolveRow(const PageSource& file, const TableDefinition& table, const DataPage& homePage,
+                    std::uint16_t row, RowSlot slot, Page& overflow, bool& moved) {
+    const std::uint32_t homeNumber = homePage.number();
     moved = slot.overflow;
     if (!slot.overflow)
         return homePage.rowBytes(slot);
@@ -45,9 +44,9 @@ ByteView resolveRow(const PageSource& file, const TableDefinition& table, const 
 }
 
 void decodeRowOf(const PageSource& file, const TableDefinition& table, RowId id, ByteView bytes,
-                 std::vector<Value>& out) {
+                 std::vector<Value>& out, const ColumnSelection& columns, TextValues& texts) {
     try {
-        decodeRow(file, table, bytes, out);
+        decodeRow(file, table, bytes, out, columns, &texts);
     } catch (const Error& error) {
         throw Error("row " + std::to_string(id.row) + " of page " + std::to_string(id.page) +
                     " of table " + toUtf8(table.name) + " is damaged: " + error.what());
@@ -60,10 +59,27 @@ TableCursor::TableCursor(const PageSource& file, const TableDefinition& table)
     : file_(file), table_(table), pages_(readUsageMap(file, table.usageMap)) {}
 
 bool TableCursor::loadPage(std::size_t index) {
-    file_.read(pages_[index], page_);
-    if (page_[0] != format::kPageData) return false;
-    const DataPage dataPage(page_, pages_[index]);
-    if (dataPage.owner() != table_.page) return false;
+    if (index < readFrom_ || index >= readFrom_ + readCount_) {
+        // The run of pages that follow pages_[index] in the file, within it.
+        const std::uint32_t first = pages_[index];
+        const std::uint32_t end = file_.pageCount();
+        std::size_t count = 1;
+        while (count < kPagesReadTogether && index + count < pages_.size() &&
+               pages_[index + count] == first + count && first + count < end) {
+            ++count;
+        }
+        readPages_.resize(kPagesReadTogether);
+        file_.readPages(first, count, readPages_.data());
+        readFrom_ = index;
+        readCount_ = count;
+    }
+    page_ = &readPages_[index - readFrom_];
+    const Page& page = *page_;
+    if (page[0] != format::kPageData)
+        return false;
+    const DataPage dataPage(page, pages_[index]);
+    if (dataPage.owner() != table_.page)
+        return false;
     rowCount_ = dataPage.rowCount();
     nextRow_ = 0;
     return true;
@@ -73,36 +89,41 @@ bool TableCursor::next() {
     if (!started_) {
         started_ = true;
         pageIndex_ = 0;
-        while (pageIndex_ < pages_.size() && !loadPage(pageIndex_)) ++pageIndex_;
+        while (pageIndex_ < pages_.size() && !loadPage(pageIndex_))
+            ++pageIndex_;
     }
     while (pageIndex_ < pages_.size()) {
         while (nextRow_ < rowCount_) {
             const std::uint16_t row = nextRow_++;
-            const RowSlot slot = DataPage(page_, pages_[pageIndex_]).slot(row);
+            const DataPage page(*page_, pages_[pageIndex_]);
+            const RowSlot slot = page.slot(row);
             // A row flagged deleted without the moved flag is the data of a
             // moved row: it is reached through its pointer, not here.
-            if (slot.deleted) continue;
+            if (slot.deleted)
+                continue;
             current_ = RowId{pages_[pageIndex_], row};
-            currentBytes_ = resolveRow(file_, table_, page_, pages_[pageIndex_], row, overflowPage_,
-                                       currentMoved_);
+            currentBytes_ =
+                resolveRow(file_, table_, page, row, slot, overflowPage_, currentMoved_);
             return true;
         }
         ++pageIndex_;
-        while (pageIndex_ < pages_.size() && !loadPage(pageIndex_)) ++pageIndex_;
+        while (pageIndex_ < pages_.size() && !loadPage(pageIndex_))
+            ++pageIndex_;
     }
     return false;
 }
 
-void TableCursor::values(std::vector<Value>& out) const {
-    decodeRowOf(file_, table_, current_, currentBytes_, out);
+void TableCursor::values(std::vector<Value>& out, const ColumnSelection& columns) const {
+    decodeRowOf(file_, table_, current_, currentBytes_, out, columns, texts_);
 }
 
 RowReader::RowReader(const PageSource& file, const TableDefinition& table)
     : file_(file), table_(table) {}
 
-bool RowReader::read(RowId row, std::vector<Value>& out) {
+bool RowReader::read(RowId row, std::vector<Value>& out, const ColumnSelection& columns) {
     if (row.page != pageNumber_) {
-        if (row.page == 0 || row.page >= file_.pageCount()) return false;
+        if (row.page == 0 || row.page >= file_.pageCount())
+            return false;
         file_.read(row.page, page_);
         pageNumber_ = row.page;
         pageIsTable_ =
@@ -111,11 +132,14 @@ bool RowReader::read(RowId row, std::vector<Value>& out) {
     if (!pageIsTable_)
         return false;
     const DataPage page(page_, row.page);
-    if (row.row >= page.rowCount() || page.slot(row.row).deleted)
+    if (row.row >= page.rowCount())
+        return false;
+    const RowSlot slot = page.slot(row.row);
+    if (slot.deleted)
         return false;
     bool moved = false;
-    ByteView bytes = resolveRow(file_, table_, page_, row.page, row.row, overflowPage_, moved);
-    decodeRowOf(file_, table_, row, bytes, out);
+    ByteView bytes = resolveRow(file_, table_, page, row.row, slot, overflowPage_, moved);
+    decodeRowOf(file_, table_, row, bytes, out, columns, texts_);
     return true;
 }
 

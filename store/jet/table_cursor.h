@@ -5,6 +5,7 @@
 
 #include "bytes.h"
 #include "page_file.h"
+#include "row_decoder.h"
 #include "table_definition.h"
 #include "value.h"
 
@@ -27,6 +28,9 @@ public:
     // Reads the table's usage map; pages it names that belong to another
     // table are passed over, as Jet leaves stale bits in such maps.
     TableCursor(const PageSource& file, const TableDefinition& table);
+    TableCursor(TableCursor&&) = default;
+    TableCursor(const TableCursor&) = delete;
+    TableCursor& operator=(const TableCursor&) = delete;
 
     // Moves to the next live row; false when there is none.
     bool next();
@@ -35,23 +39,32 @@ public:
     RowId rowId() const { return current_; }
     // Whether the row's data was moved to another page (the row keeps its place).
     bool rowMoved() const { return currentMoved_; }
-    void values(std::vector<Value>& out) const;
+    // The row's values; with `columns`, those it selects (see decodeRow).
+    void values(std::vector<Value>& out, const ColumnSelection& columns = {}) const;
 
 private:
     bool loadPage(std::size_t index);
+
+    // Pages that follow each other in the file are read together, this
+    // many at most.
+    static constexpr std::size_t kPagesReadTogether = 16;
 
     const PageSource& file_;
     const TableDefinition& table_;
     std::vector<std::uint32_t> pages_;  // data pages from the usage map
     std::size_t pageIndex_ = 0;         // the page in page_, as index into pages_
-    Page page_{};
+    std::vector<Page> readPages_;       // pages_[readFrom_] and those read with it
+    std::size_t readFrom_ = 0;
+    std::size_t readCount_ = 0;
+    const Page* page_ = nullptr;  // in readPages_
     Page overflowPage_{};
-    std::uint16_t rowCount_ = 0;        // rows on page_
+    std::uint16_t rowCount_ = 0;  // rows on page_
     std::uint16_t nextRow_ = 0;
     bool started_ = false;
     RowId current_;
     bool currentMoved_ = false;
     ByteView currentBytes_;
+    mutable TextValues texts_;  // shared by the rows of the scan
 };
 
 // Reads rows by their identity, as an index gives them. Keeps the last data
@@ -63,7 +76,8 @@ public:
     // The values of the row. False when it is not a live row of the table:
     // the page is no data page of the table, the slot lies beyond its rows,
     // or the row is deleted. Throws Error when the row's bytes are damaged.
-    bool read(RowId row, std::vector<Value>& out);
+    // With `columns`, only those it selects are decoded (see decodeRow).
+    bool read(RowId row, std::vector<Value>& out, const ColumnSelection& columns = {});
 
 private:
     const PageSource& file_;
@@ -72,6 +86,7 @@ private:
     Page overflowPage_{};
     std::uint32_t pageNumber_ = 0;  // the page in page_; 0 for none
     bool pageIsTable_ = false;      // page_ is a data page of the table
+    TextValues texts_;              // shared by the rows read
 };
 
 // One row by its identity; see RowReader::read.

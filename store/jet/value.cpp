@@ -41,8 +41,7 @@ Date Date::fromCivil(const CivilDateTime& civil) {
                                          static_cast<unsigned>(civil.day)) -
                            kOleEpochDays;
     const double fraction =
-        static_cast<double>(civil.hour * 3600 + civil.minute * 60 + civil.second) /
-        kSecondsPerDay;
+        static_cast<double>(civil.hour * 3600 + civil.minute * 60 + civil.second) / kSecondsPerDay;
     // Before day zero the whole part counts back and the fraction still adds time.
     return Date{days >= 0 ? static_cast<double>(days) + fraction
                           : static_cast<double>(days) - fraction};
@@ -66,10 +65,9 @@ CivilDateTime Date::toCivil() const {
 
 std::string Decimal::toString() const {
     // Repeated division of the 128-bit magnitude by ten, in 32-bit limbs.
-    std::uint32_t limbs[4] = {static_cast<std::uint32_t>(high >> 32),
-                              static_cast<std::uint32_t>(high),
-                              static_cast<std::uint32_t>(low >> 32),
-                              static_cast<std::uint32_t>(low)};
+    std::uint32_t limbs[4] = {
+        static_cast<std::uint32_t>(high >> 32), static_cast<std::uint32_t>(high),
+        static_cast<std::uint32_t>(low >> 32), static_cast<std::uint32_t>(low)};
     std::string digits;
     bool zero = false;
     while (!zero) {
@@ -79,16 +77,49 @@ std::string Decimal::toString() const {
             const std::uint64_t current = (remainder << 32) | limb;
             limb = static_cast<std::uint32_t>(current / 10);
             remainder = current % 10;
-            if (limb != 0) zero = false;
+            if (limb != 0)
+                zero = false;
         }
         digits.push_back(static_cast<char>('0' + remainder));
     }
-    while (digits.size() <= scale) digits.push_back('0');
+    while (digits.size() <= scale)
+        digits.push_back('0');
     std::reverse(digits.begin(), digits.end());
     std::string text = negative ? "-" : "";
     text.append(digits, 0, digits.size() - scale);
-    if (scale > 0) text.append(".").append(digits, digits.size() - scale, scale);
+    if (scale > 0)
+        text.append(".").append(digits, digits.size() - scale, scale);
     return text;
+}
+
+static_assert(sizeof(Value) == 16, "a value is a kind and eight bytes");
+
+Value Value::decimal(Decimal d) {
+    return Value(Kind::Decimal, Number{.shared = new Shared<Decimal>{{}, d}});
+}
+
+Value Value::text(std::u16string t) {
+    return Value(Kind::Text, Number{.shared = new Shared<std::u16string>{{}, std::move(t)}});
+}
+
+Value Value::bytes(Bytes b) {
+    return Value(Kind::Bytes, Number{.shared = new Shared<Bytes>{{}, std::move(b)}});
+}
+
+void Value::release() {
+    if (number_.shared->references.fetch_sub(1, std::memory_order_acq_rel) != 1)
+        return;
+    switch (kind_) {
+        case Kind::Decimal:
+            delete static_cast<Shared<Decimal>*>(number_.shared);
+            break;
+        case Kind::Text:
+            delete static_cast<Shared<std::u16string>*>(number_.shared);
+            break;
+        default:
+            delete static_cast<Shared<Bytes>*>(number_.shared);
+            break;
+    }
 }
 
 }  // namespace jet

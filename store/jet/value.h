@@ -1,8 +1,9 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
-#include <variant>
+#include <utility>
 #include <vector>
 
 namespace jet {
@@ -55,43 +56,130 @@ using Bytes = std::vector<std::uint8_t>;
 // and Long Integer are Integer; Single and Double are Double (a Single widens
 // to a double exactly); Text and Memo are Text (UTF-16); Binary, OLE Object
 // and Replication ID are Bytes.
+//
+// Sixteen bytes, as tables of many rows hold millions of them: numbers lie
+// in the value itself, texts, bytes and decimals in a block shared by the
+// copies of a value (they never change), counted atomically so that copies
+// may live in several threads.
 class Value {
 public:
-    enum class Kind { Null, Boolean, Integer, Double, Currency, Date, Decimal, Text, Bytes };
+    enum class Kind : std::uint8_t {
+        Null,
+        Boolean,
+        Integer,
+        Double,
+        Currency,
+        Date,
+        Decimal,
+        Text,
+        Bytes
+    };
 
     Value() = default;
-    static Value boolean(bool b) { return Value(Storage(std::in_place_index<1>, b)); }
-    static Value integer(std::int32_t i) { return Value(Storage(std::in_place_index<2>, i)); }
-    static Value real(double d) { return Value(Storage(std::in_place_index<3>, d)); }
-    static Value currency(Currency c) { return Value(Storage(std::in_place_index<4>, c)); }
-    static Value date(Date d) { return Value(Storage(std::in_place_index<5>, d)); }
-    static Value decimal(Decimal d) { return Value(Storage(std::in_place_index<6>, d)); }
-    static Value text(std::u16string t) {
-        return Value(Storage(std::in_place_index<7>, std::move(t)));
+    Value(const Value& other) : kind_(other.kind_), number_(other.number_) { retain(); }
+    Value(Value&& other) noexcept : kind_(other.kind_), number_(other.number_) {
+        other.kind_ = Kind::Null;
     }
-    static Value bytes(Bytes b) { return Value(Storage(std::in_place_index<8>, std::move(b))); }
+    Value& operator=(const Value& other) {
+        Value copy(other);
+        swap(copy);
+        return *this;
+    }
+    Value& operator=(Value&& other) noexcept {
+        Value taken(std::move(other));
+        swap(taken);
+        return *this;
+    }
+    ~Value() {
+        if (isShared())
+            release();
+    }
 
-    Kind kind() const { return static_cast<Kind>(storage_.index()); }
+    static Value boolean(bool b) { return Value(Kind::Boolean, Number{.boolean = b}); }
+    static Value integer(std::int32_t i) { return Value(Kind::Integer, Number{.integer = i}); }
+    static Value real(double d) { return Value(Kind::Double, Number{.real = d}); }
+    static Value currency(Currency c) { return Value(Kind::Currency, Number{.currency = c}); }
+    static Value date(Date d) { return Value(Kind::Date, Number{.date = d}); }
+    static Value decimal(Decimal d);
+    static Value text(std::u16string t);
+    static Value bytes(Bytes b);
+
+    Kind kind() const { return kind_; }
     bool isNull() const { return kind() == Kind::Null; }
 
     // REQUIRES: kind() is the kind asked for.
-    bool asBoolean() const { return std::get<1>(storage_); }
-    std::int32_t asInteger() const { return std::get<2>(storage_); }
-    double asDouble() const { return std::get<3>(storage_); }
-    Currency asCurrency() const { return std::get<4>(storage_); }
-    Date asDate() const { return std::get<5>(storage_); }
-    const Decimal& asDecimal() const { return std::get<6>(storage_); }
-    const std::u16string& asText() const { return std::get<7>(storage_); }
-    const Bytes& asBytes() const { return std::get<8>(storage_); }
+    bool asBoolean() const { return number_.boolean; }
+    std::int32_t asInteger() const { return number_.integer; }
+    double asDouble() const { return number_.real; }
+    Currency asCurrency() const { return number_.currency; }
+    Date asDate() const { return number_.date; }
+    const Decimal& asDecimal() const { return sharedAs<Decimal>(); }
+    const std::u16string& asText() const { return sharedAs<std::u16string>(); }
+    const Bytes& asBytes() const { return sharedAs<Bytes>(); }
 
-    friend bool operator==(const Value&, const Value&) = default;
+    // The same kind and the same value (a Double NaN equals nothing).
+    friend bool operator==(const Value& a, const Value& b) {
+        if (a.kind_ != b.kind_)
+            return false;
+        switch (a.kind_) {
+            case Value::Kind::Null:
+                return true;
+            case Value::Kind::Boolean:
+                return a.asBoolean() == b.asBoolean();
+            case Value::Kind::Integer:
+                return a.asInteger() == b.asInteger();
+            case Value::Kind::Double:
+                return a.asDouble() == b.asDouble();
+            case Value::Kind::Currency:
+                return a.asCurrency() == b.asCurrency();
+            case Value::Kind::Date:
+                return a.asDate() == b.asDate();
+            case Value::Kind::Decimal:
+                return a.asDecimal() == b.asDecimal();
+            case Value::Kind::Text:
+                return a.number_.shared == b.number_.shared || a.asText() == b.asText();
+            case Value::Kind::Bytes:
+                return a.number_.shared == b.number_.shared || a.asBytes() == b.asBytes();
+        }
+        return false;
+    }
 
 private:
-    using Storage = std::variant<std::monostate, bool, std::int32_t, double, Currency, Date,
-                                 Decimal, std::u16string, Bytes>;
-    explicit Value(Storage storage) : storage_(std::move(storage)) {}
+    struct Counted {
+        std::atomic<std::uint32_t> references{1};
+    };
+    template <typename T>
+    struct Shared : Counted {
+        T value;
+    };
+    union Number {
+        bool boolean;
+        std::int32_t integer;
+        double real;
+        Currency currency;
+        Date date;
+        Counted* shared;
+    };
 
-    Storage storage_;
+    Value(Kind kind, Number number) : kind_(kind), number_(number) {}
+
+    bool isShared() const { return kind_ >= Kind::Decimal; }
+    template <typename T>
+    const T& sharedAs() const {
+        return static_cast<const Shared<T>*>(number_.shared)->value;
+    }
+    void retain() {
+        if (isShared())
+            number_.shared->references.fetch_add(1, std::memory_order_relaxed);
+    }
+    void release();  // REQUIRES: isShared()
+    void swap(Value& other) noexcept {
+        std::swap(kind_, other.kind_);
+        std::swap(number_, other.number_);
+    }
+
+    Kind kind_ = Kind::Null;
+    Number number_{.shared = nullptr};
 };
 
 }  // namespace jet

@@ -22,6 +22,10 @@ namespace {
 using jet::Value;
 using Row = std::vector<Value>;
 
+// More rows than a data page of 4096 bytes can hold, for bounding what a
+// table definition claims.
+constexpr std::size_t kMaxRowsPerPage = 1024;
+
 std::string utf8(std::u16string_view text) {
     return jet::toUtf8(text);
 }
@@ -513,15 +517,26 @@ std::optional<std::vector<jet::RowId>> indexedRows(const jet::Database& database
     return std::nullopt;
 }
 
+// Marks the table columns that the node reads.
+void markColumns(const Node& n, jet::ColumnSelection& columns) {
+    if (n.column >= 0)
+        columns[n.column] = true;
+    for (const Node& operand : n.operands)
+        markColumns(operand, columns);
+}
+
 // Calls `visit(rowId, values)` for each row of the table that `where` keeps,
 // in stored order, through an index when a term allows it. The visitor may
-// take the values away: each row is decoded afresh.
+// take the values away. Only the selected columns, and those `where` reads,
+// are decoded; the others are Null. An empty selection decodes them all.
 template <typename Visit>
 void forEachRow(const jet::Database& database, const jet::TableDefinition& table,
-                const std::optional<Node>& where, Visit visit) {
+                const std::optional<Node>& where, jet::ColumnSelection columns, Visit visit) {
     std::vector<Node> terms;
     if (where)
         conjuncts(*where, terms);
+    if (!columns.empty() && where)
+        markColumns(*where, columns);
     Row values;
     auto keep = [&] {
         Scope scope;
@@ -533,14 +548,14 @@ void forEachRow(const jet::Database& database, const jet::TableDefinition& table
         jet::RowReader reader(database.file(), table);
         for (const jet::RowId& id : *rows) {
             // A row the index names but that is gone: deleted meanwhile.
-            if (reader.read(id, values) && keep())
+            if (reader.read(id, values, columns) && keep())
                 visit(id, values);
         }
         return;
     }
     jet::TableCursor cursor = database.scan(table);
     while (cursor.next()) {
-        cursor.values(values);
+        cursor.values(values, columns);
         if (keep())
             visit(cursor.rowId(), values);
     }
@@ -617,28 +632,47 @@ GroupMap groupRows(const jet::Database& database, const jet::TableDefinition& ta
                    const std::vector<Node>& aggregates) {
     GroupMap groups;
     Row key;
-    // Rows of one group tend to come in runs (the meal log is written day by
-    // day, meal by meal): the group of the row before is tried first.
-    GroupMap::iterator last = groups.end();
-    forEachRow(database, table, where, [&](jet::RowId, const Row& values) {
-        bool same = last != groups.end();
-        for (std::size_t i = 0; same && i < groupColumns.size(); ++i) {
-            same = compareValues(values[groupColumns[i]], last->first[i]) == 0;
-        }
-        if (!same) {
+    // Rows of one group tend to come close together (the meal log is written
+    // day by day, meal by meal): the groups met last are tried first, by
+    // plain equality of values, before the map and its collation.
+    constexpr std::size_t kRecentGroups = 16;
+    std::vector<GroupMap::iterator> recent;
+    jet::ColumnSelection columns(table.columns.size(), false);
+    for (int c : groupColumns)
+        columns[c] = true;
+    for (const Node& a : aggregates)
+        markColumns(a, columns);
+    forEachRow(database, table, where, columns, [&](jet::RowId, Row& values) {
+        const auto holdsRow = [&](GroupMap::iterator group) {
+            for (std::size_t i = 0; i < groupColumns.size(); ++i) {
+                if (!(values[groupColumns[i]] == group->first[i]))
+                    return false;
+            }
+            return true;
+        };
+        GroupMap::iterator group;
+        if (auto hit = std::find_if(recent.begin(), recent.end(), holdsRow); hit != recent.end()) {
+            group = *hit;
+            std::rotate(recent.begin(), hit, hit + 1);
+        } else {
             key.clear();
             for (int c : groupColumns)
                 key.push_back(values[c]);
-            last = groups.find(key);
-            if (last == groups.end()) {
+            group = groups.find(key);
+            if (group == groups.end()) {
                 Group g;
                 g.first = values;
                 g.accumulators.resize(aggregates.size());
-                last = groups.emplace(key, std::move(g)).first;
+                group = groups.emplace(key, std::move(g)).first;
+            }
+            if (std::find(recent.begin(), recent.end(), group) == recent.end()) {
+                recent.insert(recent.begin(), group);
+                if (recent.size() > kRecentGroups)
+                    recent.pop_back();
             }
         }
         for (std::size_t a = 0; a < aggregates.size(); ++a) {
-            accumulate(aggregates[a], values, last->second.accumulators[a]);
+            accumulate(aggregates[a], values, group->second.accumulators[a]);
         }
     });
     return groups;
@@ -682,6 +716,11 @@ std::string groupCacheKey(const jet::Database& database, const jet::TableDefinit
 // a write during the scan changes the stamp, so the entry is never found.
 class GroupCache {
 public:
+    void clear() {
+        std::lock_guard<std::mutex> lock(mutex_);
+        entries_.clear();
+    }
+
     std::shared_ptr<const GroupMap> find(const std::string& key, const FileStamp& stamp) {
         std::lock_guard<std::mutex> lock(mutex_);
         for (const Entry& entry : entries_) {
@@ -802,29 +841,45 @@ QueryResult runSelect(const jet::Database& database, const SelectStatement& s) {
             if (n.kind != Expression::Kind::Column)
                 throw Error("an aggregate needs GROUP BY");
         }
-        std::vector<Row> keys;
-        // Every column in stored order, unsorted: the decoded row is the
-        // result's row as it stands, taken rather than copied.
-        bool wholeRows = s.orderBy.empty() && items.size() == table.columns.size();
+        // select*: the decoded rows are the result rows and are taken over.
+        bool wholeRows = items.size() == table.columns.size();
         for (std::size_t i = 0; wholeRows && i < items.size(); ++i)
             wholeRows = items[i].column == static_cast<int>(i);
-        forEachRow(database, table, where, [&](jet::RowId id, Row& values) {
-            if (wholeRows) {
-                result.rows.push_back(std::move(values));
-                result.rowIds.push_back(id);
-                return;
-            }
-            Row out;
-            out.reserve(items.size());
+        if (!where) {
+            // The count the table records, bounded for a damaged one.
+            const std::size_t expected = std::min<std::size_t>(
+                table.rowCount, std::size_t{database.file().pageCount()} * kMaxRowsPerPage);
+            result.rows.reserve(expected);
+            result.rowIds.reserve(expected);
+        }
+        jet::ColumnSelection columns;  // all of them for select*
+        if (!wholeRows) {
+            columns.assign(table.columns.size(), false);
             for (const Node& n : items)
-                out.push_back(values[n.column]);
+                columns[n.column] = true;
+            for (int c : orderTableColumn) {
+                if (c >= 0)
+                    columns[c] = true;
+            }
+        }
+        std::vector<Row> keys;
+        forEachRow(database, table, where, columns, [&](jet::RowId id, Row& values) {
             if (!s.orderBy.empty()) {
                 Row key;
                 for (std::size_t k = 0; k < s.orderBy.size(); ++k) {
-                    key.push_back(orderResultColumn[k] >= 0 ? out[orderResultColumn[k]]
-                                                            : values[orderTableColumn[k]]);
+                    key.push_back(
+                        values[orderResultColumn[k] >= 0 ? items[orderResultColumn[k]].column
+                                                         : orderTableColumn[k]]);
                 }
                 keys.push_back(std::move(key));
+            }
+            Row out;
+            if (wholeRows) {
+                out = std::move(values);
+            } else {
+                out.reserve(items.size());
+                for (const Node& n : items)
+                    out.push_back(values[n.column]);
             }
             result.rows.push_back(std::move(out));
             result.rowIds.push_back(id);
@@ -958,13 +1013,18 @@ long runDelete(jet::Database& database, const DeleteStatement& s) {
     if (s.where)
         where = query.resolve(*s.where, nullptr);
     std::vector<jet::RowId> rows;
-    forEachRow(database, table, where, [&](jet::RowId id, const Row&) { rows.push_back(id); });
+    forEachRow(database, table, where, jet::ColumnSelection(table.columns.size(), false),
+               [&](jet::RowId id, Row&) { rows.push_back(id); });
     if (!rows.empty())
         database.deleteRows(name, rows);
     return static_cast<long>(rows.size());
 }
 
 }  // namespace
+
+void clearResultCache() {
+    groupCache().clear();
+}
 
 std::u16string findTableName(const jet::Database& database, std::u16string_view name) {
     for (const std::u16string& table : database.userTableNames()) {

@@ -39,6 +39,10 @@ struct ExecuteResult {
 ExecuteResult execute(jet::Database& database, std::u16string_view sql);
 ExecuteResult execute(jet::Database& database, const Statement& statement);
 
+// Forgets the grouped tables kept for statements that differ in their HAVING
+// only, so that the next such statement reads its table again.
+void clearResultCache();
+
 // The name of the table that sameName finds among the user tables. Throws
 // sql::Error when there is none.
 std::u16string findTableName(const jet::Database& database, std::u16string_view name);
