@@ -239,10 +239,9 @@ void Recordset::cancelUpdate() {
     buffer_.clear();
 }
 
-// The row in the file must still hold what this record set read: another
-// program may have changed or deleted it since.
-void Recordset::checkUnchanged(const Row& row) const {
-    const jet::TableDefinition table = database().table(baseTable_);
+// The row as the file holds it now, which must still be what this record
+// set read: another program may have changed or deleted it since.
+std::vector<jet::Value> Recordset::readUnchanged(const jet::TableDefinition& table, const Row& row) const {
     std::vector<jet::Value> stored;
     if (!jet::readRow(database().file(), table, *row.id, stored)) {
         throw DataError("the row cannot be located for updating: another program deleted it");
@@ -252,6 +251,7 @@ void Recordset::checkUnchanged(const Row& row) const {
             throw DataError("the row cannot be located for updating: another program changed it");
         }
     }
+    return stored;
 }
 
 void Recordset::update() {
@@ -282,10 +282,7 @@ void Recordset::update() {
         position_ = static_cast<long>(view_.size()) - 1;
     } else {
         Row& row = rows_[view_[static_cast<std::size_t>(position_)]];
-        checkUnchanged(row);
-        std::vector<jet::Value> stored;
-        jet::readRow(file.file(), table, *row.id, stored);
-        file.updateRow(baseTable_, *row.id, tableValues(stored));
+        file.updateRow(baseTable_, *row.id, tableValues(readUnchanged(table, row)));
         row.values = buffer_;
     }
     edit_ = Edit::None;
@@ -299,7 +296,7 @@ void Recordset::remove() {
     if (baseTable_.empty()) throw DataError("the record set cannot be updated: it is not one table's rows");
     edit_ = Edit::None;
     Row& row = rows_[view_[static_cast<std::size_t>(position_)]];
-    checkUnchanged(row);
+    readUnchanged(database().table(baseTable_), row);
     database().deleteRows(baseTable_, {*row.id});
     row.deleted = true;
     view_.erase(view_.begin() + position_);

@@ -53,6 +53,9 @@ public:
 
     const std::vector<std::u16string>& fieldNames() const { return columnNames_; }
     const std::vector<jet::ColumnType>& fieldTypes() const { return columnTypes_; }
+    // The ordinal of a field, its name matched as every name is (Adi finds
+    // ADI, yıl finds YIL). Fails for a name the source lacks.
+    std::size_t ordinalOf(std::u16string_view name) const;
     // Fails for a name the source lacks, and when there is no current row.
     jet::Value field(std::u16string_view name) const;
     jet::Value field(std::size_t ordinal) const;
@@ -104,10 +107,9 @@ private:
 
     void requireOpen() const;
     void requireCurrent() const;
-    std::size_t ordinalOf(std::u16string_view name) const;
     void rebuildView();
     void moved();
-    void checkUnchanged(const Row& row) const;
+    std::vector<jet::Value> readUnchanged(const jet::TableDefinition& table, const Row& row) const;
     jet::Database& database() const;
 
     Connection* connection_ = nullptr;

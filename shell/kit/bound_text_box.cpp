@@ -2,7 +2,6 @@
 
 #include "shell/kit/failure_modes.h"
 #include "shell/kit/value_text.h"
-#include "store/sql/collation.h"
 
 namespace kit {
 
@@ -38,14 +37,8 @@ void BoundTextBox::takeUserText(const QString& text) {
     // A text that is no value of the column stays in the box only: the row
     // keeps what it held, and the box shows that again at the next move.
     skip([&] {
-        const std::u16string name = field_.toStdU16String();
-        const auto& names = rows.fieldNames();
-        for (std::size_t c = 0; c < names.size(); ++c) {
-            if (sql::sameName(names[c], name)) {
-                rows.setField(c, valueFromText(text, rows.fieldTypes()[c]));
-                return;
-            }
-        }
+        const std::size_t ordinal = rows.ordinalOf(field_.toStdU16String());
+        rows.setField(ordinal, valueFromText(text, rows.fieldTypes()[ordinal]));
     });
 }
 

@@ -1,8 +1,8 @@
 #include "shell/kit/data_grid_model.h"
 
+#include "shell/kit/failure_modes.h"
 #include "shell/kit/message_box.h"
 #include "shell/kit/value_text.h"
-#include "store/sql/collation.h"
 
 namespace kit {
 
@@ -27,14 +27,12 @@ void DataGridModel::reload() {
     ordinals_.clear();
     for (const GridColumn& column : columns_) {
         int ordinal = -1;
+        // A column whose field the source lacks stays empty.
         if (control_ && control_->isOpen()) {
-            const auto& names = control_->Recordset().fieldNames();
-            for (std::size_t c = 0; c < names.size(); ++c) {
-                if (sql::sameName(names[c], column.dataField.toStdU16String())) {
-                    ordinal = static_cast<int>(c);
-                    break;
-                }
-            }
+            skip([&] {
+                ordinal = static_cast<int>(
+                    control_->Recordset().ordinalOf(column.dataField.toStdU16String()));
+            });
         }
         ordinals_.push_back(ordinal);
     }
