@@ -56,18 +56,18 @@ void Form1::Text23_Change() {
 }
 
 void Form1::Text5_Change() {
-    loadPicture(QStringLiteral("resim"), ornek);
+    loadPicture(ornek);
 }
 
 void Form1::DataGrid4_Click() {
-    loadPicture(QStringLiteral("resim"), izinler);
+    loadPicture(izinler);
 }
 
 // The photograph of the current row. A Null path is never equal to Null,
 // so the logo's branch does not run and the image stays empty.
-void Form1::loadPicture(const QString& field, kit::DataControl& control) {
+void Form1::loadPicture(kit::DataControl& control) {
     jet::Value path;
-    kit::skip([&] { path = control.Recordset().field(field.toStdU16String()); });
+    kit::skip([&] { path = control.Recordset().field(u"resim"); });
     kit::skip([&] { Image1->clear(); });
     kit::skip([&] {
         if (path.isNull())

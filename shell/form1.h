@@ -136,7 +136,7 @@ private:
     QWidget* buildStudentArea();
     QWidget* buildPermitArea();
     void connectHandlers();
-    void loadPicture(const QString& field, kit::DataControl& control);
+    void loadPicture(kit::DataControl& control);
 };
 
 }  // namespace shell

@@ -20,9 +20,6 @@ QString versionText();
 // closes them and sets them to Nothing again (reset()).
 extern std::unique_ptr<store::Connection> baglanti;
 extern std::unique_ptr<store::Recordset> kayit;
-// The second pair, for the roll-call program's file.
-extern std::unique_ptr<store::Connection> baglanti2;
-extern std::unique_ptr<store::Recordset> kayit2;
 
 // A newer version was announced; closing the main window starts the
 // updater.

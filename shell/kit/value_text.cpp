@@ -14,17 +14,13 @@ namespace {
 
 QString dateText(const jet::Date& date) {
     const jet::CivilDateTime civil = date.toCivil();
-    QString time = QStringLiteral("%1:%2:%3")
-                       .arg(civil.hour, 2, 10, QLatin1Char('0'))
-                       .arg(civil.minute, 2, 10, QLatin1Char('0'))
-                       .arg(civil.second, 2, 10, QLatin1Char('0'));
+    const QString time =
+        QTime(civil.hour, civil.minute, civil.second).toString(QStringLiteral("HH:mm:ss"));
     // Day zero of the OLE calendar holds times of day alone.
     if (civil.year == 1899 && civil.month == 12 && civil.day == 30)
         return time;
-    QString day = QStringLiteral("%1.%2.%3")
-                      .arg(civil.day, 2, 10, QLatin1Char('0'))
-                      .arg(civil.month, 2, 10, QLatin1Char('0'))
-                      .arg(civil.year, 4, 10, QLatin1Char('0'));
+    const QString day =
+        QDate(civil.year, civil.month, civil.day).toString(QStringLiteral("dd.MM.yyyy"));
     if (civil.hour == 0 && civil.minute == 0 && civil.second == 0)
         return day;
     return day + QLatin1Char(' ') + time;
