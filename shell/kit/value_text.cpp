@@ -14,12 +14,12 @@ namespace {
 
 QString dateText(const jet::Date& date) {
     const jet::CivilDateTime civil = date.toCivil();
-    const QString time =
+    QString time =
         QTime(civil.hour, civil.minute, civil.second).toString(QStringLiteral("HH:mm:ss"));
     // Day zero of the OLE calendar holds times of day alone.
     if (civil.year == 1899 && civil.month == 12 && civil.day == 30)
         return time;
-    const QString day =
+    QString day =
         QDate(civil.year, civil.month, civil.day).toString(QStringLiteral("dd.MM.yyyy"));
     if (civil.hour == 0 && civil.minute == 0 && civil.second == 0)
         return day;
