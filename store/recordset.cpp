@@ -243,7 +243,7 @@ void Recordset::cancelUpdate() {
 // set read: another program may have changed or deleted it since.
 std::vector<jet::Value> Recordset::readUnchanged(const jet::TableDefinition& table, const Row& row) const {
     std::vector<jet::Value> stored;
-    if (!jet::readRow(database().file(), table, *row.id, stored)) {
+    if (!jet::readRow(database().pages(), table, *row.id, stored)) {
         throw DataError("the row cannot be located for updating: another program deleted it");
     }
     for (std::size_t c = 0; c < columnNames_.size(); ++c) {
@@ -270,7 +270,7 @@ void Recordset::update() {
         const jet::RowId id =
             file.insertRows(baseTable_, {tableValues(std::vector<jet::Value>(table.columns.size()))}).at(0);
         std::vector<jet::Value> stored;
-        jet::readRow(file.file(), table, id, stored);
+        jet::readRow(file.pages(), table, id, stored);
         Row row{std::vector<jet::Value>(columnNames_.size()), id, false};
         for (std::size_t c = 0; c < columnNames_.size(); ++c) {
             row.values[c] = stored[static_cast<std::size_t>(tableColumn_[c])];

@@ -18,6 +18,7 @@ int main(int argc, char** argv) {
     jet::IntegrityReport report;
     try {
         const jet::Database database(argv[1]);
+        const jet::LockFile::Hold lock = database.holdForReading();
         report = jet::checkIntegrityInDetail(database.file());
     } catch (const jet::Error& error) {
         std::fprintf(stderr, "jetcheck: %s\n", error.what());

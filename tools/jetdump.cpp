@@ -27,6 +27,8 @@ void listTables(const jet::Database& database) {
 }
 
 void dumpTable(const jet::Database& database, const std::string& tableName) {
+    // Whole statements of the program's writers only.
+    const jet::LockFile::Hold lock = database.holdForReading();
     const jet::TableDefinition table = database.table(jet::fromUtf8(tableName));
     std::string out;
     jet::appendMdbExportHeader(out, table);

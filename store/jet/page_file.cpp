@@ -146,33 +146,4 @@ void PageFile::sync() {
     }
 }
 
-// Locks of the open file description, where the system has them: a plain
-// record lock belongs to the process and goes when any of its descriptors of
-// the file is closed.
-#ifdef F_OFD_SETLKW
-constexpr int kLockWait = F_OFD_SETLKW;
-constexpr int kLockSet = F_OFD_SETLK;
-#else
-constexpr int kLockWait = F_SETLKW;
-constexpr int kLockSet = F_SETLK;
-#endif
-
-PageFile::WriteLock::WriteLock(const PageFile& file) : fd_(file.fd_) {
-    struct flock lock {};
-    lock.l_type = F_WRLCK;
-    lock.l_whence = SEEK_SET;
-    while (::fcntl(fd_, kLockWait, &lock) != 0) {
-        if (errno != EINTR) {
-            throw Error("cannot lock " + file.path_ + " for writing: " + std::strerror(errno));
-        }
-    }
-}
-
-PageFile::WriteLock::~WriteLock() {
-    struct flock lock {};
-    lock.l_type = F_UNLCK;
-    lock.l_whence = SEEK_SET;
-    ::fcntl(fd_, kLockSet, &lock);
-}
-
 }  // namespace jet

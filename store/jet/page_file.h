@@ -62,20 +62,6 @@ public:
     void truncate(std::uint32_t pageCount);
     void sync();
 
-    // Holds an exclusive lock of the operating system on the file, waiting
-    // for another process that holds it. Writers take it for the time of one
-    // statement, so that two copies of the program never interleave writes.
-    class WriteLock {
-    public:
-        explicit WriteLock(const PageFile& file);
-        ~WriteLock();
-        WriteLock(const WriteLock&) = delete;
-        WriteLock& operator=(const WriteLock&) = delete;
-
-    private:
-        int fd_;
-    };
-
 private:
     std::string path_;
     int fd_ = -1;

@@ -7,8 +7,12 @@
 
 namespace jet {
 
-WriteStatement::WriteStatement(PageFile& file)
-    : file_(file), lock_(file), originalPageCount_(0), pageCount_(0) {
+WriteStatement::WriteStatement(PageFile& file, LockFile* locks)
+    : file_(file),
+      locks_(locks),
+      lock_(locks != nullptr ? locks->holdForWriting() : LockFile::Hold()),
+      originalPageCount_(0),
+      pageCount_(0) {
     RollbackJournal::rollBack(file_);
     originalPageCount_ = file_.pageCount();
     pageCount_ = originalPageCount_;
@@ -30,6 +34,11 @@ void WriteStatement::read(std::uint32_t number, Page& page) const { page = cache
 
 Page& WriteStatement::change(std::uint32_t number) {
     Page& page = const_cast<Page&>(cached(number));
+    if (savepoint_ && number < savepoint_->pageCount && savepoint_->before.count(number) == 0) {
+        savepoint_->before.emplace(number, page);
+        if (changed_.count(number) == 0)
+            savepoint_->unchangedBefore.insert(number);
+    }
     if (number < originalPageCount_ && changed_.count(number) == 0) {
         originals_.emplace(number, page);
     }
@@ -50,10 +59,35 @@ void WriteStatement::commit() {
     for (const std::uint32_t number : changed_) file_.write(number, pages_.at(number));
     file_.sync();
     RollbackJournal::remove(file_.path());
+    if (locks_ != nullptr)
+        locks_->raiseCommitCount();
     // A statement commits once; what it changed is now the file's.
     originals_.clear();
     changed_.clear();
     originalPageCount_ = pageCount_;
+    savepoint_.reset();
+}
+
+void WriteStatement::setSavepoint() { savepoint_ = Savepoint{pageCount_, {}, {}}; }
+
+void WriteStatement::releaseSavepoint() { savepoint_.reset(); }
+
+void WriteStatement::rollBackToSavepoint() {
+    if (!savepoint_)
+        return;
+    for (auto& [number, page] : savepoint_->before) {
+        pages_[number] = page;
+        if (savepoint_->unchangedBefore.count(number) != 0) {
+            changed_.erase(number);
+            originals_.erase(number);
+        }
+    }
+    while (pageCount_ > savepoint_->pageCount) {
+        --pageCount_;
+        pages_.erase(pageCount_);
+        changed_.erase(pageCount_);
+    }
+    savepoint_.reset();
 }
 
 }  // namespace jet

@@ -15,6 +15,7 @@
 #include "store/jet/index_key.h"
 #include "store/jet/index_page.h"
 #include "store/jet/text.h"
+#include "store/jet/usage_map.h"
 
 namespace sql {
 namespace {
@@ -503,7 +504,7 @@ std::optional<std::vector<jet::RowId>> indexedRows(const jet::Database& database
             }
             std::vector<jet::RowId> rows;
             for (const jet::IndexEntry& entry :
-                 jet::findIndexEntries(database.file(), index, prefix)) {
+                 jet::findIndexEntries(database.pages(), index, prefix)) {
                 rows.push_back(entry.row);
             }
             auto before = [](const jet::RowId& a, const jet::RowId& b) {
@@ -545,7 +546,7 @@ void forEachRow(const jet::Database& database, const jet::TableDefinition& table
                            [&](const Node& t) { return evaluate(t, scope) == Truth::True; });
     };
     if (std::optional<std::vector<jet::RowId>> rows = indexedRows(database, table, terms)) {
-        jet::RowReader reader(database.file(), table);
+        jet::RowReader reader(database.pages(), table);
         for (const jet::RowId& id : *rows) {
             // A row the index names but that is gone: deleted meanwhile.
             if (reader.read(id, values, columns) && keep())
@@ -678,24 +679,24 @@ GroupMap groupRows(const jet::Database& database, const jet::TableDefinition& ta
     return groups;
 }
 
-// What tells that a file is unchanged: every write, by this program or by
-// the gate program, sets its time of last change.
-struct FileStamp {
-    std::filesystem::file_time_type changed;
-    std::uintmax_t size = 0;
-    friend bool operator==(const FileStamp&, const FileStamp&) = default;
+// What tells that a table is unchanged: a commit of a copy of this program
+// raises the commit counter, and an insert or delete by any program changes
+// the table's row count or the pages its maps mark. The file's size and time
+// stamp would not do: a row that fits into a page leaves the size, and two
+// writes within one tick of the clock leave the time.
+struct TableStamp {
+    std::uint64_t commits = 0;
+    std::uint32_t rowCount = 0;
+    std::vector<std::uint32_t> pages;           // the table's data pages
+    std::vector<std::uint32_t> pagesWithSpace;  // those with free space
+    friend bool operator==(const TableStamp&, const TableStamp&) = default;
 };
 
-std::optional<FileStamp> stampOf(const jet::Database& database) {
-    std::error_code error;
-    FileStamp stamp;
-    stamp.changed = std::filesystem::last_write_time(database.path(), error);
-    if (error)
-        return std::nullopt;
-    stamp.size = std::filesystem::file_size(database.path(), error);
-    if (error)
-        return std::nullopt;
-    return stamp;
+// REQUIRES: `table` was read under the same hold for reading.
+TableStamp stampOf(const jet::Database& database, const jet::TableDefinition& table) {
+    return TableStamp{database.commitCount(), table.rowCount,
+                      jet::readUsageMap(database.pages(), table.usageMap),
+                      jet::readUsageMap(database.pages(), table.freeSpaceMap)};
 }
 
 std::string groupCacheKey(const jet::Database& database, const jet::TableDefinition& table,
@@ -712,7 +713,7 @@ std::string groupCacheKey(const jet::Database& database, const jet::TableDefinit
     return key;
 }
 
-// Whole tables grouped, from the stamp of their file taken before the scan:
+// Whole tables grouped, from the stamp of their table taken before the scan:
 // a write during the scan changes the stamp, so the entry is never found.
 class GroupCache {
 public:
@@ -721,7 +722,7 @@ public:
         entries_.clear();
     }
 
-    std::shared_ptr<const GroupMap> find(const std::string& key, const FileStamp& stamp) {
+    std::shared_ptr<const GroupMap> find(const std::string& key, const TableStamp& stamp) {
         std::lock_guard<std::mutex> lock(mutex_);
         for (const Entry& entry : entries_) {
             if (entry.key == key && entry.stamp == stamp)
@@ -730,7 +731,7 @@ public:
         return nullptr;
     }
 
-    void put(const std::string& key, const FileStamp& stamp,
+    void put(const std::string& key, const TableStamp& stamp,
              std::shared_ptr<const GroupMap> groups) {
         if (groups->size() > kMaxGroups)
             return;
@@ -747,7 +748,7 @@ private:
 
     struct Entry {
         std::string key;  // file, table, grouped columns and aggregates
-        FileStamp stamp;
+        TableStamp stamp;
         std::shared_ptr<const GroupMap> groups;
     };
     std::mutex mutex_;
@@ -848,7 +849,7 @@ QueryResult runSelect(const jet::Database& database, const SelectStatement& s) {
         if (!where) {
             // The count the table records, bounded for a damaged one.
             const std::size_t expected = std::min<std::size_t>(
-                table.rowCount, std::size_t{database.file().pageCount()} * kMaxRowsPerPage);
+                table.rowCount, std::size_t{database.pages().pageCount()} * kMaxRowsPerPage);
             result.rows.reserve(expected);
             result.rowIds.reserve(expected);
         }
@@ -934,7 +935,9 @@ QueryResult runSelect(const jet::Database& database, const SelectStatement& s) {
 
     std::shared_ptr<const GroupMap> groups;
     std::vector<Node> kept;
-    std::optional<FileStamp> stamp = where ? std::nullopt : stampOf(database);
+    std::optional<TableStamp> stamp;
+    if (!where)
+        stamp = stampOf(database, table);
     if (stamp) {
         // The whole table grouped, kept for statements that differ in their
         // HAVING only, as the tally issues them day after day.
@@ -1006,18 +1009,23 @@ QueryResult runSelect(const jet::Database& database, const SelectStatement& s) {
 }
 
 long runDelete(jet::Database& database, const DeleteStatement& s) {
-    const std::u16string name = findTableName(database, s.table);
-    const jet::TableDefinition table = database.table(name);
-    Query query(database, table);
-    std::optional<Node> where;
-    if (s.where)
-        where = query.resolve(*s.where, nullptr);
-    std::vector<jet::RowId> rows;
-    forEachRow(database, table, where, jet::ColumnSelection(table.columns.size(), false),
-               [&](jet::RowId id, Row&) { rows.push_back(id); });
-    if (!rows.empty())
-        database.deleteRows(name, rows);
-    return static_cast<long>(rows.size());
+    long deleted = 0;
+    // The rows are found and deleted in one write: no other writer comes between.
+    database.write([&](jet::WriteStatement&) {
+        const std::u16string name = findTableName(database, s.table);
+        const jet::TableDefinition table = database.table(name);
+        Query query(database, table);
+        std::optional<Node> where;
+        if (s.where)
+            where = query.resolve(*s.where, nullptr);
+        std::vector<jet::RowId> rows;
+        forEachRow(database, table, where, jet::ColumnSelection(table.columns.size(), false),
+                   [&](jet::RowId id, Row&) { rows.push_back(id); });
+        if (!rows.empty())
+            database.deleteRows(name, rows);
+        deleted = static_cast<long>(rows.size());
+    });
+    return deleted;
 }
 
 }  // namespace
@@ -1037,6 +1045,8 @@ std::u16string findTableName(const jet::Database& database, std::u16string_view 
 ExecuteResult execute(jet::Database& database, const Statement& statement) {
     ExecuteResult result;
     if (const auto* select = std::get_if<SelectStatement>(&statement)) {
+        // Whole statements of other writers only, from the first page read to the last.
+        const jet::LockFile::Hold lock = database.holdForReading();
         result.isQuery = true;
         result.query = runSelect(database, *select);
     } else if (const auto* remove = std::get_if<DeleteStatement>(&statement)) {

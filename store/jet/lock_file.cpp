@@ -1,0 +1,210 @@
+#include "lock_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <map>
+#include <thread>
+#include <utility>
+
+#include "error.h"
+
+namespace jet {
+namespace {
+
+// The counter lies at the start; the locks lie on bytes past it, so that a
+// system whose byte locks keep out readers still lets everybody read it.
+constexpr off_t kCounterOffset = 0;
+constexpr off_t kSessionByte = 64;
+constexpr off_t kStatementByte = 65;
+
+// Locks of the open file description, where the system has them: a plain
+// record lock belongs to the process and goes when any of its descriptors of
+// the file is closed.
+#ifdef F_OFD_SETLK
+constexpr int kLockSet = F_OFD_SETLK;
+#else
+constexpr int kLockSet = F_SETLK;
+#endif
+
+LockTimeouts& timeouts() {
+    static LockTimeouts value;
+    return value;
+}
+
+bool tryLock(int fd, short type, off_t byte) {
+    struct flock lock {};
+    lock.l_type = type;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = byte;
+    lock.l_len = 1;
+    while (::fcntl(fd, kLockSet, &lock) != 0) {
+        if (errno == EINTR)
+            continue;
+        if (errno == EAGAIN || errno == EACCES)
+            return false;
+        throw Error(std::string("cannot lock the database's lock file: ") + std::strerror(errno));
+    }
+    return true;
+}
+
+// Tries again and again, at growing intervals, until the time-out: a lock
+// call that waits could not be given up.
+void waitForLock(int fd, short type, off_t byte, std::chrono::milliseconds timeout,
+                 const std::string& what) {
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    std::chrono::milliseconds pause{1};
+    while (!tryLock(fd, type, byte)) {
+        const auto now = std::chrono::steady_clock::now();
+        if (now >= deadline) {
+            throw Error(what + ": another user of the database has held it for " +
+                        std::to_string(timeout.count()) + " ms; try again later");
+        }
+        std::this_thread::sleep_for(std::min<std::chrono::steady_clock::duration>(
+            pause, deadline - now));
+        pause = std::min(pause * 2, std::chrono::milliseconds{50});
+    }
+}
+
+// The lock files this process has open, by the file's identity, so that the
+// databases of one file share one.
+std::mutex registryMutex;
+std::map<std::pair<dev_t, ino_t>, std::weak_ptr<LockFile>>& registry() {
+    static std::map<std::pair<dev_t, ino_t>, std::weak_ptr<LockFile>> files;
+    return files;
+}
+
+}  // namespace
+
+LockTimeouts lockTimeouts() { return timeouts(); }
+
+void setLockTimeouts(const LockTimeouts& value) { timeouts() = value; }
+
+std::string LockFile::lockPath(const std::string& databasePath) { return databasePath + "-lock"; }
+
+std::shared_ptr<LockFile> LockFile::open(const std::string& databasePath, bool forWriting) {
+    const std::string path = lockPath(databasePath);
+    int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    if (fd < 0 && !forWriting)
+        fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        if (!forWriting)
+            return nullptr;
+        throw Error("cannot make the lock file " + path + ": " + std::strerror(errno));
+    }
+    struct stat status {};
+    if (::fstat(fd, &status) != 0) {
+        ::close(fd);
+        throw Error("cannot read the lock file " + path + ": " + std::strerror(errno));
+    }
+    const std::lock_guard<std::mutex> guard(registryMutex);
+    auto& known = registry()[{status.st_dev, status.st_ino}];
+    if (std::shared_ptr<LockFile> file = known.lock()) {
+        ::close(fd);
+        return file;
+    }
+    try {
+        waitForLock(fd, F_RDLCK, kSessionByte, timeouts().session,
+                    "cannot open the database " + databasePath);
+    } catch (const Error&) {
+        ::close(fd);
+        throw;
+    }
+    std::shared_ptr<LockFile> file(new LockFile(fd));
+    known = file;
+    return file;
+}
+
+LockFile::LockFile(int fd) : fd_(fd) {}
+
+LockFile::~LockFile() {
+    // Closing the description lets go of its locks.
+    ::close(fd_);
+    const std::lock_guard<std::mutex> guard(registryMutex);
+    std::erase_if(registry(), [](const auto& entry) { return entry.second.expired(); });
+}
+
+LockFile::Hold LockFile::holdForReading() {
+    const std::lock_guard<std::mutex> guard(mutex_);
+    if (readers_ == 0 && !writing_) {
+        waitForLock(fd_, F_RDLCK, kStatementByte, timeouts().statement,
+                    "cannot read the database");
+    }
+    ++readers_;
+    return Hold(this, false);
+}
+
+LockFile::Hold LockFile::holdForWriting() {
+    const std::lock_guard<std::mutex> guard(mutex_);
+    if (writing_) {
+        throw Error("cannot write the database: another write of this program to it is under way");
+    }
+    // A read of this process under way turns its shared lock into the
+    // exclusive one, and back when the write ends.
+    waitForLock(fd_, F_WRLCK, kStatementByte, timeouts().statement, "cannot write the database");
+    writing_ = true;
+    return Hold(this, true);
+}
+
+void LockFile::release(bool writing) {
+    const std::lock_guard<std::mutex> guard(mutex_);
+    if (writing) {
+        writing_ = false;
+    } else {
+        --readers_;
+    }
+    if (writing_)
+        return;
+    if (readers_ > 0) {
+        tryLock(fd_, F_RDLCK, kStatementByte);  // going down to shared never waits
+    } else {
+        tryLock(fd_, F_UNLCK, kStatementByte);
+    }
+}
+
+std::uint64_t LockFile::commitCount() const {
+    std::uint8_t bytes[8] = {};
+    const ssize_t got = ::pread(fd_, bytes, sizeof bytes, kCounterOffset);
+    std::uint64_t count = 0;
+    for (ssize_t i = got > 0 ? got : 0; i-- > 0;)
+        count = (count << 8) | bytes[i];
+    return count;
+}
+
+void LockFile::raiseCommitCount() noexcept {
+    std::uint64_t count = commitCount() + 1;
+    std::uint8_t bytes[8];
+    for (std::uint8_t& byte : bytes) {
+        byte = static_cast<std::uint8_t>(count);
+        count >>= 8;
+    }
+    // Nobody keeps what he read across a restart of the machine, so the
+    // counter needs no flush of its own. A counter that could not be raised
+    // fails no commit: what others kept is also checked against the file.
+    const ssize_t put = ::pwrite(fd_, bytes, sizeof bytes, kCounterOffset);
+    static_cast<void>(put);
+}
+
+LockFile::Hold::Hold(Hold&& other) noexcept
+    : file_(std::exchange(other.file_, nullptr)), writing_(other.writing_) {}
+
+LockFile::Hold& LockFile::Hold::operator=(Hold&& other) noexcept {
+    if (this != &other) {
+        release();
+        file_ = std::exchange(other.file_, nullptr);
+        writing_ = other.writing_;
+    }
+    return *this;
+}
+
+LockFile::Hold::~Hold() { release(); }
+
+void LockFile::Hold::release() {
+    if (file_ != nullptr)
+        std::exchange(file_, nullptr)->release(writing_);
+}
+
+}  // namespace jet
