@@ -1,6 +1,8 @@
 // The main window's permit list: narrowing IZINLER by month, class, number
 // or name, and deleting one permit or all in view.
 
+#include <optional>
+
 #include "permits/search_filters.h"
 #include "shell/clock.h"
 #include "shell/form1.h"
@@ -8,6 +10,7 @@
 #include "shell/kit/failure_modes.h"
 #include "shell/kit/message_box.h"
 #include "shell/kit/vb_number.h"
+#include "store/write_scope.h"
 
 namespace shell {
 namespace {
@@ -71,17 +74,23 @@ void Form1::Command5_Click() {
 }
 
 // From the current row on, as many rounds as the filtered count: rows above
-// the start stay, and rounds beyond the end fail and are passed over.
+// the start stay, and rounds beyond the end fail and are passed over. The
+// deletes become durable together, when the last round is done.
 void Form1::Command4_Click() {
     const int answer = kit::MsgBox(QStringLiteral("Tüm seçili kayıtlar silinsin mi?"), 36);
     const kit::BusyCursor busy;
     if (answer == kit::vbYes) {
+        std::optional<store::WriteScope> scope;
+        kit::skip([&] { scope.emplace(izinler.Recordset()); });
         long rounds = 0;
         kit::skip([&] { rounds = izinler.Recordset().recordCount(); });
         for (long round = 0; round < rounds; ++round) {
             kit::skip([&] { izinler.Recordset().remove(); });
             kit::skip([&] { izinler.Recordset().moveNext(); });
         }
+        kit::skip([&] {
+            if (scope) scope->commit();
+        });
     }
     kit::skip([&] { izinler.Refresh(); });
     kit::skip([&] { izinler.Refresh(); });

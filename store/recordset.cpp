@@ -78,6 +78,12 @@ jet::Database& Recordset::database() const {
     return file->database();
 }
 
+jet::Database* Recordset::writableDatabase() const {
+    if (connection_ == nullptr || !connection_->isOpen()) return nullptr;
+    auto* file = dynamic_cast<JetSource*>(&connection_->source());
+    return file != nullptr ? &file->database() : nullptr;
+}
+
 void Recordset::close() {
     requireOpen();
     open_ = false;

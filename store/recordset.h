@@ -93,6 +93,10 @@ public:
     // "SINIF ASC", "tarih asc, ad desc": a stable order on the client side.
     void setSort(std::u16string_view text);
 
+    // The database file its rows are written back to; null when they come
+    // from no database file or the record set was never opened.
+    jet::Database* writableDatabase() const;
+
     // Called after each change of the current row: a move, a new filter or
     // sort, an open. Bound boxes and grids follow the record set through it.
     std::function<void()> onMoveComplete;

@@ -1,5 +1,7 @@
 #include "database.h"
 
+#include <filesystem>
+
 
 #include "create_table.h"
 #include "error.h"
@@ -32,7 +34,8 @@ Database::Database(const std::string& path, PageFile::Mode mode)
       header_(readHeader(file_)),
       locks_(LockFile::open(path, mode == PageFile::Mode::ReadWrite)) {
     file_.setEncodingKey(header_.encodingKey);
-    if (mode == PageFile::Mode::ReadWrite) {
+    if (mode == PageFile::Mode::ReadWrite &&
+        std::filesystem::exists(RollbackJournal::journalPath(path))) {
         // A statement a crashed writer left unfinished is undone first.
         const LockFile::Hold lock = locks_->holdForWriting();
         RollbackJournal::rollBack(file_);

@@ -20,6 +20,7 @@ namespace {
 constexpr off_t kCounterOffset = 0;
 constexpr off_t kSessionByte = 64;
 constexpr off_t kStatementByte = 65;
+constexpr off_t kTurnByte = 66;
 
 // Locks of the open file description, where the system has them: a plain
 // record lock belongs to the process and goes when any of its descriptors of
@@ -29,6 +30,8 @@ constexpr int kLockSet = F_OFD_SETLK;
 #else
 constexpr int kLockSet = F_SETLK;
 #endif
+
+using Clock = std::chrono::steady_clock;
 
 LockTimeouts& timeouts() {
     static LockTimeouts value;
@@ -51,29 +54,51 @@ bool tryLock(int fd, short type, off_t byte) {
     return true;
 }
 
-// Tries again and again, at growing intervals, until the time-out: a lock
+// Tries again and again, at growing intervals, until the deadline: a lock
 // call that waits could not be given up.
-void waitForLock(int fd, short type, off_t byte, std::chrono::milliseconds timeout,
-                 const std::string& what) {
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
+void waitForLock(int fd, short type, off_t byte, Clock::time_point deadline,
+                 std::chrono::milliseconds timeout, const std::string& what) {
     std::chrono::milliseconds pause{1};
     while (!tryLock(fd, type, byte)) {
-        const auto now = std::chrono::steady_clock::now();
+        const auto now = Clock::now();
         if (now >= deadline) {
             throw Error(what + ": another user of the database has held it for " +
                         std::to_string(timeout.count()) + " ms; try again later");
         }
-        std::this_thread::sleep_for(std::min<std::chrono::steady_clock::duration>(
-            pause, deadline - now));
-        pause = std::min(pause * 2, std::chrono::milliseconds{50});
+        std::this_thread::sleep_for(std::min<Clock::duration>(pause, deadline - now));
+        pause = std::min(pause * 2, std::chrono::milliseconds{10});
     }
 }
 
+// Takes the statement lock. Whoever waits for it holds the turn byte
+// meanwhile, and whoever comes next must take that byte first: so a copy
+// that writes statement after statement lets a waiting reader in between,
+// and the other way round.
+void lockStatement(int fd, short type, const std::string& what) {
+    const std::chrono::milliseconds timeout = timeouts().statement;
+    const auto deadline = Clock::now() + timeout;
+    waitForLock(fd, F_WRLCK, kTurnByte, deadline, timeout, what);
+    try {
+        waitForLock(fd, type, kStatementByte, deadline, timeout, what);
+    } catch (const Error&) {
+        tryLock(fd, F_UNLCK, kTurnByte);
+        throw;
+    }
+    tryLock(fd, F_UNLCK, kTurnByte);
+}
+
 // The lock files this process has open, by the file's identity, so that the
-// databases of one file share one.
+// databases of one file share one. A child made by fork() shares its
+// parent's open descriptions, and with them their locks: it opens its own.
+struct LockFileKey {
+    pid_t process;
+    dev_t device;
+    ino_t inode;
+    auto operator<=>(const LockFileKey&) const = default;
+};
 std::mutex registryMutex;
-std::map<std::pair<dev_t, ino_t>, std::weak_ptr<LockFile>>& registry() {
-    static std::map<std::pair<dev_t, ino_t>, std::weak_ptr<LockFile>> files;
+std::map<LockFileKey, std::weak_ptr<LockFile>>& registry() {
+    static std::map<LockFileKey, std::weak_ptr<LockFile>> files;
     return files;
 }
 
@@ -101,14 +126,14 @@ std::shared_ptr<LockFile> LockFile::open(const std::string& databasePath, bool f
         throw Error("cannot read the lock file " + path + ": " + std::strerror(errno));
     }
     const std::lock_guard<std::mutex> guard(registryMutex);
-    auto& known = registry()[{status.st_dev, status.st_ino}];
+    auto& known = registry()[{::getpid(), status.st_dev, status.st_ino}];
     if (std::shared_ptr<LockFile> file = known.lock()) {
         ::close(fd);
         return file;
     }
     try {
-        waitForLock(fd, F_RDLCK, kSessionByte, timeouts().session,
-                    "cannot open the database " + databasePath);
+        waitForLock(fd, F_RDLCK, kSessionByte, Clock::now() + timeouts().session,
+                    timeouts().session, "cannot open the database " + databasePath);
     } catch (const Error&) {
         ::close(fd);
         throw;
@@ -130,8 +155,7 @@ LockFile::~LockFile() {
 LockFile::Hold LockFile::holdForReading() {
     const std::lock_guard<std::mutex> guard(mutex_);
     if (readers_ == 0 && !writing_) {
-        waitForLock(fd_, F_RDLCK, kStatementByte, timeouts().statement,
-                    "cannot read the database");
+        lockStatement(fd_, F_RDLCK, "cannot read the database");
     }
     ++readers_;
     return Hold(this, false);
@@ -144,7 +168,7 @@ LockFile::Hold LockFile::holdForWriting() {
     }
     // A read of this process under way turns its shared lock into the
     // exclusive one, and back when the write ends.
-    waitForLock(fd_, F_WRLCK, kStatementByte, timeouts().statement, "cannot write the database");
+    lockStatement(fd_, F_WRLCK, "cannot write the database");
     writing_ = true;
     return Hold(this, true);
 }

@@ -81,6 +81,7 @@ void writeFileBytes(const std::filesystem::path& path, const std::vector<unsigne
 }
 
 std::vector<std::vector<Value>> readRows(const Database& database, std::u16string_view name) {
+    const LockFile::Hold lock = database.holdForReading();
     const TableDefinition table = database.table(name);
     std::vector<std::vector<Value>> rows;
     TableCursor cursor = database.scan(table);

@@ -355,6 +355,41 @@ TEST(CrashSafety, CreateTableAllOrNothing) {
         });
 }
 
+// A write scope: a thousand statements (deletes, inserts, and one that the
+// engine refuses) made durable together. The refused one is undone alone;
+// a crash anywhere leaves all of the scope or nothing of it.
+TEST(CrashSafety, WriteScopeAllOrNothing) {
+    SKIP_WITHOUT_FIXTURES();
+    testing::TempDir dir;
+    const std::string original = copyFixture(dir, "kvl/kvl.mdb");
+    std::vector<RowId> permits;
+    std::size_t before = 0;
+    {
+        const Database database(original);
+        const TableDefinition table = database.table(u"IZINLER");
+        TableCursor cursor = database.scan(table);
+        while (cursor.next()) {
+            if (permits.size() < 1000) permits.push_back(cursor.rowId());
+            ++before;
+        }
+    }
+    ASSERT_EQ(permits.size(), 1000u);
+    const auto work = [&](Database& database) {
+        const Database::WriteScope scope(database);
+        for (const RowId row : permits) database.deleteRows(u"IZINLER", {row});
+        // Deleted already: refused, and nothing of it stays.
+        EXPECT_THROW(database.deleteRows(u"IZINLER", {permits[0]}), Error);
+        database.insertRows(u"IZINLER", {permit(1, u"Kapsam"), permit(2, u"Kapsam")});
+    };
+    crashAtEveryWrite(original, (dir.path() / "work.mdb").string(), work,
+                      [&](const Database& database) {
+                          const std::size_t rows = testing::readRows(database, u"IZINLER").size();
+                          EXPECT_EQ(database.table(u"IZINLER").rowCount, rows);
+                          return rows == before ? 0 : rows == before - 1000 + 2 ? 1 : -1;
+                      });
+    expectMdbExportAgrees((dir.path() / "work.mdb").string(), u"IZINLER");
+}
+
 // Two processes insert into one file at the same time; every row of both arrives.
 TEST(Sharing, TwoWritersLoseNothing) {
     SKIP_WITHOUT_FIXTURES();
