@@ -8,6 +8,7 @@
 #include <cstring>
 #include <map>
 #include <thread>
+#include <tuple>
 #include <utility>
 
 #include "error.h"
@@ -54,6 +55,18 @@ bool tryLock(int fd, short type, off_t byte) {
     return true;
 }
 
+// Unlocks, or turns an exclusive lock shared: neither ever waits, and a
+// failure leaves a lock that goes with the descriptor anyway.
+void loosenLock(int fd, short type, off_t byte) noexcept {
+    struct flock lock {};
+    lock.l_type = type;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = byte;
+    lock.l_len = 1;
+    while (::fcntl(fd, kLockSet, &lock) != 0 && errno == EINTR) {
+    }
+}
+
 // Tries again and again, at growing intervals, until the deadline: a lock
 // call that waits could not be given up.
 void waitForLock(int fd, short type, off_t byte, Clock::time_point deadline,
@@ -81,10 +94,10 @@ void lockStatement(int fd, short type, const std::string& what) {
     try {
         waitForLock(fd, type, kStatementByte, deadline, timeout, what);
     } catch (const Error&) {
-        tryLock(fd, F_UNLCK, kTurnByte);
+        loosenLock(fd, F_UNLCK, kTurnByte);
         throw;
     }
-    tryLock(fd, F_UNLCK, kTurnByte);
+    loosenLock(fd, F_UNLCK, kTurnByte);
 }
 
 // The lock files this process has open, by the file's identity, so that the
@@ -94,7 +107,9 @@ struct LockFileKey {
     pid_t process;
     dev_t device;
     ino_t inode;
-    auto operator<=>(const LockFileKey&) const = default;
+    bool operator<(const LockFileKey& other) const {
+        return std::tie(process, device, inode) < std::tie(other.process, other.device, other.inode);
+    }
 };
 std::mutex registryMutex;
 std::map<LockFileKey, std::weak_ptr<LockFile>>& registry() {
@@ -173,7 +188,7 @@ LockFile::Hold LockFile::holdForWriting() {
     return Hold(this, true);
 }
 
-void LockFile::release(bool writing) {
+void LockFile::release(bool writing) noexcept {
     const std::lock_guard<std::mutex> guard(mutex_);
     if (writing) {
         writing_ = false;
@@ -182,11 +197,7 @@ void LockFile::release(bool writing) {
     }
     if (writing_)
         return;
-    if (readers_ > 0) {
-        tryLock(fd_, F_RDLCK, kStatementByte);  // going down to shared never waits
-    } else {
-        tryLock(fd_, F_UNLCK, kStatementByte);
-    }
+    loosenLock(fd_, readers_ > 0 ? F_RDLCK : F_UNLCK, kStatementByte);
 }
 
 std::uint64_t LockFile::commitCount() const {
@@ -226,7 +237,7 @@ LockFile::Hold& LockFile::Hold::operator=(Hold&& other) noexcept {
 
 LockFile::Hold::~Hold() { release(); }
 
-void LockFile::Hold::release() {
+void LockFile::Hold::release() noexcept {
     if (file_ != nullptr)
         std::exchange(file_, nullptr)->release(writing_);
 }

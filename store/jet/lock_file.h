@@ -61,7 +61,7 @@ public:
     private:
         friend class LockFile;
         Hold(LockFile* file, bool writing) : file_(file), writing_(writing) {}
-        void release();
+        void release() noexcept;
 
         LockFile* file_ = nullptr;  // none: nothing held
         bool writing_ = false;
@@ -81,7 +81,7 @@ public:
 
 private:
     explicit LockFile(int fd);
-    void release(bool writing);
+    void release(bool writing) noexcept;
 
     int fd_;
     std::mutex mutex_;  // guards the counts below
