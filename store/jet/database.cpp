@@ -55,6 +55,12 @@ const PageSource& Database::pages() const {
 LockFile::Hold Database::holdForReading() const {
     if (writing_ != nullptr || scope_ != nullptr || locks_ == nullptr)
         return {};
+    if (file_.writable() && std::filesystem::exists(RollbackJournal::journalPath(path()))) {
+        // A copy died in the middle of a commit: what it wrote is undone
+        // before anything of it is read.
+        const LockFile::Hold lock = locks_->holdForWriting();
+        RollbackJournal::rollBack(file_);
+    }
     return locks_->holdForReading();
 }
 

@@ -111,7 +111,7 @@ public:
     void createTable(const NewTable& table);
 
 private:
-    PageFile file_;
+    mutable PageFile file_;  // mutable: a reader may undo a dead writer's unfinished commit
     DatabaseHeader header_;
     std::shared_ptr<LockFile> locks_;       // null: nobody can write beside the file
     std::unique_ptr<WriteStatement> scope_;  // the write scope's statement, while one is open

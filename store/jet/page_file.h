@@ -41,6 +41,7 @@ public:
     PageFile& operator=(const PageFile&) = delete;
 
     const std::string& path() const { return path_; }
+    bool writable() const { return mode_ == Mode::ReadWrite; }
     std::uint64_t sizeInBytes() const;
     std::uint32_t pageCount() const override;
 

@@ -56,8 +56,18 @@ std::uint32_t WriteStatement::append() {
 void WriteStatement::commit() {
     if (changed_.empty()) return;
     RollbackJournal::write(file_.path(), originalPageCount_, originals_);
-    for (const std::uint32_t number : changed_) file_.write(number, pages_.at(number));
-    file_.sync();
+    try {
+        for (const std::uint32_t number : changed_) file_.write(number, pages_.at(number));
+        file_.sync();
+    } catch (const Error&) {
+        // Put back what was written before others read it; what this cannot
+        // undo, the journal left behind undoes at the next write.
+        try {
+            RollbackJournal::rollBack(file_);
+        } catch (const Error&) {
+        }
+        throw;
+    }
     RollbackJournal::remove(file_.path());
     if (locks_ != nullptr)
         locks_->raiseCommitCount();

@@ -252,14 +252,18 @@ TEST(TableWriter, RefusalsLeaveTheFileUnchanged) {
 
 // A child process runs `work`, one write statement, and is killed before its
 // n-th write, for every n until the statement completes. Each time the file
-// must open, pass the integrity check, and hold all of the statement or none
-// of it, as `outcome` tells: 0 none, 1 all, anything else a part.
+// must read, through a copy that had it open, and open, pass the integrity
+// check, and hold all of the statement or none of it, as `outcome` tells: 0
+// none, 1 all, anything else a part.
 void crashAtEveryWrite(const std::string& original, const std::string& file,
                        const std::function<void(Database&)>& work,
                        const std::function<int(const Database&)>& outcome) {
     int crashes = 0;
     for (long writes = 0;; ++writes) {
         std::filesystem::copy_file(original, file, std::filesystem::copy_options::overwrite_existing);
+        // Another copy, open before the crash: its first read undoes what
+        // the dead writer left half done.
+        const Database watcher(file, PageFile::Mode::ReadWrite);
         const pid_t child = ::fork();
         ASSERT_GE(child, 0);
         if (child == 0) {
@@ -272,6 +276,7 @@ void crashAtEveryWrite(const std::string& original, const std::string& file,
         ::waitpid(child, &status, 0);
         const bool killed = WIFSIGNALED(status);
         ASSERT_TRUE(killed || (WIFEXITED(status) && WEXITSTATUS(status) == 0));
+        EXPECT_EQ(outcome(watcher), killed ? 0 : 1) << "read after " << writes << " writes";
         {
             // Opening for writing rolls back what the dead writer left.
             const Database recovered(file, PageFile::Mode::ReadWrite);
