@@ -83,7 +83,7 @@ TEST_F(StartUp, MissingDatabaseEndsThroughTheRunTimeErrorReport) {
             MessageBoxAnswerer answerer;
             kit::bare([] { shell::sifrevarmi(); });
         },
-        ::testing::ExitedWithCode(1), "Run-time error");
+        ::testing::ExitedWithCode(1), "Run-time error '-2147217900 \\(80040e14\\)'");
 }
 
 }  // namespace
