@@ -38,7 +38,7 @@ void Recordset::open(std::u16string_view sql, Connection& connection, CursorType
     sql::ExecuteResult result = connection.Execute(sql);
     if (!result.isQuery) return;
     sql::QueryResult& query = result.query;
-    connection_ = &connection;
+    source_ = connection.source();
     columnNames_ = std::move(query.columnNames);
     baseTable_ = std::move(query.baseTable);
     tableColumn_ = std::move(query.tableColumn);
@@ -73,7 +73,7 @@ void Recordset::moved() {
 
 // The file the rows came from, for writing them back.
 jet::Database& Recordset::database() const {
-    auto* file = dynamic_cast<JetSource*>(&connection_->source());
+    auto* file = dynamic_cast<JetSource*>(source_.get());
     if (file == nullptr) throw DataError("the record set's source cannot be written");
     return file->database();
 }
@@ -84,6 +84,7 @@ void Recordset::close() {
     rows_.clear();
     view_.clear();
     edit_ = Edit::None;
+    source_.reset();
 }
 
 void Recordset::requireOpen() const {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,6 +16,7 @@
 namespace store {
 
 class Connection;
+class Source;
 
 enum class CursorType { Keyset = 1, Static = 3 };
 enum class LockType { Optimistic = 3 };
@@ -26,6 +28,10 @@ enum class LockType { Optimistic = 3 };
 // assigned to a field becomes one of the column's type at once (see
 // convertForColumn), and after a write the record set keeps the row as the
 // file holds it, so that the check compares like with like.
+//
+// A record set keeps the source of the connection it was opened on for as
+// long as it stays open: it reads and writes back its rows after the
+// connection is closed or gone.
 //
 // Keyset (code) and static (data control) record sets behave alike here:
 // both hold the rows the query gave when it ran.
@@ -124,7 +130,7 @@ private:
     std::vector<jet::Value> fieldValues(const std::vector<jet::Value>& tableValues) const;
     jet::Database& database() const;
 
-    Connection* connection_ = nullptr;
+    std::shared_ptr<Source> source_;  // of the connection opened on; null while closed
     bool open_ = false;
     std::vector<std::u16string> columnNames_;
     std::vector<jet::ColumnType> columnTypes_;

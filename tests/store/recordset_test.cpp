@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -32,8 +33,11 @@ public:
         std::filesystem::copy_file(jet::testing::fixturesDir() / "kvl" / "kvl.mdb", file_);
         std::filesystem::permissions(file_, std::filesystem::perms::owner_write,
                                      std::filesystem::perm_options::add);
-        connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file_.string() +
-                        ";Persist Security Info=True;Jet OLEDB:database Password=HtRvZpQsD2019");
+        connection.Open(connectionString());
+    }
+    std::string connectionString() const {
+        return "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file_.string() +
+               ";Persist Security Info=True;Jet OLEDB:database Password=HtRvZpQsD2019";
     }
     std::string mdbExport(const std::string& table) const {
         return runCommand(shellQuote(MDB_EXPORT_EXECUTABLE) + " " + shellQuote(file_.string()) +
@@ -306,6 +310,39 @@ TEST(Recordset, RepeatedUpdatesOfOneRowKeepWhatIsStored) {
     EXPECT_EQ(school.exportedRow("OLCUM", 0), "0,2.5,\"7   \"");
     measures.remove();
     EXPECT_EQ(countLines(school.mdbExport("OLCUM")), 1u);
+    EXPECT_EQ(jet::checkIntegrity(jet::Database(school.path()).file()), std::vector<std::string>{});
+}
+
+// A record set keeps its connection's source: after Close, and after the
+// connection is gone, it still moves, edits, adds and deletes in the file.
+TEST(Recordset, OutlivesItsConnection) {
+    SKIP_WITHOUT_FIXTURES();
+    SchoolCopy school;
+    auto connection = std::make_unique<Connection>();
+    connection->Open(school.connectionString());
+    Recordset tally;
+    tally.open(u"select* from TMP", *connection);
+    connection->Close();
+    EXPECT_FALSE(connection->isOpen());
+    tally.moveLast();
+    tally.setField(u"sabah", Value::integer(9));
+    tally.moveFirst();  // writes the pending edit
+    connection.reset();
+    tally.setField(u"ogle", Value::integer(8));
+    tally.update();
+    tally.moveNext();
+    tally.remove();
+    tally.addNew();
+    tally.setField(u"tarih", Value::integer(32));
+    tally.update();
+    EXPECT_EQ(tally.recordCount(), 31);
+
+    EXPECT_EQ(school.exportedRow("TMP", 0), "1,0,8,0");
+    EXPECT_EQ(school.exportedRow("TMP", 1), "3,0,0,0");
+    EXPECT_EQ(school.exportedRow("TMP", 29), "31,9,0,0");
+    EXPECT_EQ(school.exportedRow("TMP", 30), "32,,,");
+    const std::vector<Value> added = school.storedRow(u"TMP", 30);
+    EXPECT_TRUE(added[0] == Value::integer(32) && added[1].isNull());
     EXPECT_EQ(jet::checkIntegrity(jet::Database(school.path()).file()), std::vector<std::string>{});
 }
 
