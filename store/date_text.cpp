@@ -64,20 +64,24 @@ private:
         return month == 2 && leap ? 29 : kDays[month - 1];
     }
 
-    // Day, month and year.
+    // Day, month and year; or year, month and day when the year comes
+    // first with four digits ("2026-11-05").
     bool readDay(jet::CivilDateTime& civil) {
         std::size_t digits = 0;
-        civil.day = readNumber(2, digits);
-        if (digits == 0 || !readDateSeparator())
+        const int first = readNumber(4, digits);
+        if (digits == 0 || digits == 3 || !readDateSeparator())
             return false;
+        const bool yearFirst = digits == 4;
         civil.month = readNumber(2, digits);
         if (digits == 0 || !readDateSeparator())
             return false;
-        civil.year = readNumber(4, digits);
+        const int last = readNumber(yearFirst ? 2 : 4, digits);
         if (digits == 0)
             return false;
+        civil.day = yearFirst ? last : first;
+        civil.year = yearFirst ? first : last;
         // Two-digit years as the system reads them: 30 to 99 last century.
-        if (digits <= 2)
+        if (!yearFirst && digits <= 2)
             civil.year += civil.year < 30 ? 2000 : 1900;
         return civil.year >= 100 && civil.month >= 1 && civil.month <= 12 && civil.day >= 1 &&
                civil.day <= daysInMonth(civil.year, civil.month);

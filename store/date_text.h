@@ -13,8 +13,9 @@ namespace store {
 
 // A date read day first, with blanks around it allowed: day, month and year
 // joined by "/", "." or "-" ("5/11/2026", "05.11.2026"; a year of one or two
-// digits is 1930 to 2029), optionally followed by a time of day "12:30" or
-// "12:30:00"; or a time of day alone, which is on day zero (30.12.1899).
+// digits is 1930 to 2029), or year, month and day with a year of four
+// digits first ("2026-11-05"); optionally followed by a time of day "12:30"
+// or "12:30:00"; or a time of day alone, which is on day zero (30.12.1899).
 // Nothing for a text that is no such date or names no real day ("31/2/2026").
 std::optional<jet::Date> readDate(std::u16string_view text);
 

@@ -68,6 +68,7 @@ TEST(FieldConversion, ConvertsAsATurkishWindowsDoesOrRefuses) {
         {columnOf(ColumnType::DateTime, 8), Value::text(u" 05.11.2026 12:30:00"),
          date(2026, 11, 5, 12, 30)},
         {columnOf(ColumnType::DateTime, 8), Value::text(u"5-11-26 9:05"), date(2026, 11, 5, 9, 5)},
+        {columnOf(ColumnType::DateTime, 8), Value::text(u"2026-11-05"), date(2026, 11, 5)},
         {columnOf(ColumnType::DateTime, 8), Value::text(u"12:30"), date(1899, 12, 30, 12, 30)},
         {columnOf(ColumnType::DateTime, 8), Value::text(u"11/25/2026"), std::nullopt},
         {columnOf(ColumnType::DateTime, 8), Value::text(u"29/2/2026"), std::nullopt},
