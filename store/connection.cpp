@@ -40,7 +40,7 @@ void Connection::Open(std::string_view connectionString) {
     const bool readOnly = startsWithIgnoringCase(parsed.value("Mode").value_or(""), "Read") &&
                           !startsWithIgnoringCase(parsed.value("Mode").value_or(""), "ReadWrite");
     source_ =
-        std::make_unique<JetSource>(path.string(), jet::fromUtf8(parsed.password()), readOnly);
+        std::make_shared<JetSource>(path.string(), jet::fromUtf8(parsed.password()), readOnly);
 }
 
 void Connection::Close() {

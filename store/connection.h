@@ -25,6 +25,7 @@ public:
     // the connection is already open (it stays open as it was), and for a
     // string not understood, a file missing or damaged, a wrong password.
     void Open(std::string_view connectionString);
+    // Lets go of the source; record sets opened on the connection keep it.
     // Throws DataError when the connection is not open.
     void Close();
     bool isOpen() const { return source_ != nullptr; }
@@ -39,13 +40,15 @@ public:
     // orders its schema rows. Other schemas throw DataError.
     sql::QueryResult OpenSchema(int schema) const;
 
-    // REQUIRES: isOpen().
-    Source& source() { return *source_; }
+    // What the connection stands on, shared: a record set opened on the
+    // connection keeps it for as long as it is used, after Close and after
+    // the connection itself is gone. Null while closed.
+    const std::shared_ptr<Source>& source() const { return source_; }
 
 private:
     void requireOpen(const char* operation) const;
 
-    std::unique_ptr<Source> source_;  // null while closed
+    std::shared_ptr<Source> source_;  // null while closed
 };
 
 }  // namespace store

@@ -4,9 +4,12 @@
 
 #include "store/connection.h"
 #include "store/data_error.h"
-#include "store/sql/collation.h"
+#include "store/field_conversion.h"
+#include "store/jet/catalog.h"
+#include "store/jet/table_writer.h"
 #include "store/jet/text.h"
 #include "store/source.h"
+#include "store/sql/collation.h"
 #include "store/sql/executor.h"
 
 namespace store {
@@ -35,21 +38,18 @@ void Recordset::open(std::u16string_view sql, Connection& connection, CursorType
     sql::ExecuteResult result = connection.Execute(sql);
     if (!result.isQuery) return;
     sql::QueryResult& query = result.query;
-    connection_ = &connection;
+    source_ = connection.source();
     columnNames_ = std::move(query.columnNames);
     baseTable_ = std::move(query.baseTable);
     tableColumn_ = std::move(query.tableColumn);
     columnTypes_.clear();
-    const jet::TableDefinition* table = nullptr;
-    jet::TableDefinition definition;
-    if (!baseTable_.empty()) {
-        definition = database().table(baseTable_);
-        table = &definition;
-    }
+    baseDefinition_ = baseTable_.empty() ? jet::TableDefinition() : database().table(baseTable_);
     for (std::size_t c = 0; c < columnNames_.size(); ++c) {
-        const bool fromTable = table != nullptr && c < tableColumn_.size() && tableColumn_[c] >= 0;
-        columnTypes_.push_back(fromTable ? table->columns[static_cast<std::size_t>(tableColumn_[c])].type
-                                         : kindOfValues(query.rows, c));
+        const bool fromTable =
+            !baseTable_.empty() && c < tableColumn_.size() && tableColumn_[c] >= 0;
+        columnTypes_.push_back(
+            fromTable ? baseDefinition_.columns[static_cast<std::size_t>(tableColumn_[c])].type
+                      : kindOfValues(query.rows, c));
     }
     rows_.clear();
     rows_.reserve(query.rows.size());
@@ -73,14 +73,13 @@ void Recordset::moved() {
 
 // The file the rows came from, for writing them back.
 jet::Database& Recordset::database() const {
-    auto* file = dynamic_cast<JetSource*>(&connection_->source());
+    auto* file = dynamic_cast<JetSource*>(source_.get());
     if (file == nullptr) throw DataError("the record set's source cannot be written");
     return file->database();
 }
 
 jet::Database* Recordset::writableDatabase() const {
-    if (connection_ == nullptr || !connection_->isOpen()) return nullptr;
-    auto* file = dynamic_cast<JetSource*>(&connection_->source());
+    auto* file = dynamic_cast<JetSource*>(source_.get());
     return file != nullptr ? &file->database() : nullptr;
 }
 
@@ -90,6 +89,7 @@ void Recordset::close() {
     rows_.clear();
     view_.clear();
     edit_ = Edit::None;
+    source_.reset();
 }
 
 void Recordset::requireOpen() const {
@@ -212,21 +212,23 @@ jet::Value Recordset::field(std::size_t ordinal) const {
     return rows_[view_[static_cast<std::size_t>(position_)]].values[ordinal];
 }
 
-void Recordset::setField(std::u16string_view name, jet::Value value) {
-    setField(ordinalOf(name), std::move(value));
+void Recordset::setField(std::u16string_view name, const jet::Value& value) {
+    setField(ordinalOf(name), value);
 }
 
-void Recordset::setField(std::size_t ordinal, jet::Value value) {
+void Recordset::setField(std::size_t ordinal, const jet::Value& value) {
     requireCurrent();
     if (ordinal >= columnNames_.size()) throw DataError("no field at ordinal " + std::to_string(ordinal));
     if (baseTable_.empty() || tableColumn_[ordinal] < 0) {
         throw DataError("field " + jet::toUtf8(columnNames_[ordinal]) + " cannot be updated");
     }
+    jet::Value converted = convertForColumn(
+        value, baseDefinition_.columns[static_cast<std::size_t>(tableColumn_[ordinal])]);
     if (edit_ == Edit::None) {
         buffer_ = rows_[view_[static_cast<std::size_t>(position_)]].values;
         edit_ = Edit::Change;
     }
-    buffer_[ordinal] = std::move(value);
+    buffer_[ordinal] = std::move(converted);
     newRowTouched_ = true;
 }
 
@@ -247,9 +249,11 @@ void Recordset::cancelUpdate() {
 
 // The row as the file holds it now, which must still be what this record
 // set read: another program may have changed or deleted it since.
-std::vector<jet::Value> Recordset::readUnchanged(const jet::TableDefinition& table, const Row& row) const {
+std::vector<jet::Value> Recordset::readUnchanged(const jet::PageSource& file,
+                                                 const jet::TableDefinition& table,
+                                                 const Row& row) const {
     std::vector<jet::Value> stored;
-    if (!jet::readRow(database().pages(), table, *row.id, stored)) {
+    if (!jet::readRow(file, table, *row.id, stored)) {
         throw DataError("the row cannot be located for updating: another program deleted it");
     }
     for (std::size_t c = 0; c < columnNames_.size(); ++c) {
@@ -260,36 +264,59 @@ std::vector<jet::Value> Recordset::readUnchanged(const jet::TableDefinition& tab
     return stored;
 }
 
+// The values of a table row with the edit buffer laid over them.
+std::vector<jet::Value> Recordset::withEdit(std::vector<jet::Value> tableValues) const {
+    for (std::size_t c = 0; c < columnNames_.size(); ++c) {
+        if (tableColumn_[c] >= 0)
+            tableValues[static_cast<std::size_t>(tableColumn_[c])] = buffer_[c];
+    }
+    return tableValues;
+}
+
+// The fields after a write: those of the table as the file holds them,
+// computed ones as they were.
+std::vector<jet::Value> Recordset::fieldValues(const std::vector<jet::Value>& tableValues) const {
+    std::vector<jet::Value> values = buffer_;
+    for (std::size_t c = 0; c < columnNames_.size(); ++c) {
+        if (tableColumn_[c] >= 0)
+            values[c] = tableValues[static_cast<std::size_t>(tableColumn_[c])];
+    }
+    return values;
+}
+
 void Recordset::update() {
     requireOpen();
     if (edit_ == Edit::None) return;
-    jet::Database& file = database();
-    const jet::TableDefinition table = file.table(baseTable_);
-    const auto tableValues = [&](const std::vector<jet::Value>& start) {
-        std::vector<jet::Value> values = start;
-        for (std::size_t c = 0; c < columnNames_.size(); ++c) {
-            if (tableColumn_[c] >= 0) values[static_cast<std::size_t>(tableColumn_[c])] = buffer_[c];
+    const bool adding = edit_ == Edit::Add;
+    Row* const edited = adding ? nullptr : &rows_[view_[static_cast<std::size_t>(position_)]];
+    jet::RowId id;
+    std::vector<jet::Value> stored;
+    // The check and the write in one statement: no other writer comes
+    // between them.
+    database().write([&](jet::WriteStatement& statement) {
+        const jet::TableDefinition table = jet::findTable(statement, baseTable_);
+        jet::TableWriter writer(statement, table);
+        if (adding) {
+            id = writer.insert(withEdit(std::vector<jet::Value>(table.columns.size())));
+        } else {
+            id = *edited->id;
+            writer.update(id, withEdit(readUnchanged(statement, table, *edited)));
         }
-        return values;
-    };
-    if (edit_ == Edit::Add) {
-        const jet::RowId id =
-            file.insertRows(baseTable_, {tableValues(std::vector<jet::Value>(table.columns.size()))}).at(0);
-        std::vector<jet::Value> stored;
-        jet::readRow(file.pages(), table, id, stored);
-        Row row{std::vector<jet::Value>(columnNames_.size()), id, false};
-        for (std::size_t c = 0; c < columnNames_.size(); ++c) {
-            row.values[c] = stored[static_cast<std::size_t>(tableColumn_[c])];
+        // The row as the file now holds it: an AutoNumber given, a Null
+        // Yes/No stored as No.
+        if (!jet::readRow(statement, table, id, stored)) {
+            throw DataError("the row written to " + jet::toUtf8(baseTable_) +
+                            " cannot be read back");
         }
-        rows_.push_back(std::move(row));
+    });
+    if (adding) {
+        rows_.push_back(Row{fieldValues(stored), id, false});
         // The new row joins the view at its end and becomes current.
         view_.push_back(rows_.size() - 1);
         ++viewVersion_;
         position_ = static_cast<long>(view_.size()) - 1;
     } else {
-        Row& row = rows_[view_[static_cast<std::size_t>(position_)]];
-        file.updateRow(baseTable_, *row.id, tableValues(readUnchanged(table, row)));
-        row.values = buffer_;
+        edited->values = fieldValues(stored);
     }
     edit_ = Edit::None;
     buffer_.clear();
@@ -302,8 +329,11 @@ void Recordset::remove() {
     if (baseTable_.empty()) throw DataError("the record set cannot be updated: it is not one table's rows");
     edit_ = Edit::None;
     Row& row = rows_[view_[static_cast<std::size_t>(position_)]];
-    readUnchanged(database().table(baseTable_), row);
-    database().deleteRows(baseTable_, {*row.id});
+    database().write([&](jet::WriteStatement& statement) {
+        const jet::TableDefinition table = jet::findTable(statement, baseTable_);
+        readUnchanged(statement, table, row);
+        jet::TableWriter(statement, table).remove(*row.id);
+    });
     row.deleted = true;
     view_.erase(view_.begin() + position_);
     ++viewVersion_;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,6 +16,7 @@
 namespace store {
 
 class Connection;
+class Source;
 
 enum class CursorType { Keyset = 1, Static = 3 };
 enum class LockType { Optimistic = 3 };
@@ -22,7 +24,14 @@ enum class LockType { Optimistic = 3 };
 // The rows of one query with a current row, as the original data layer's
 // record set gives them: moved through, filtered and sorted on the client
 // side, edited through an edit buffer and written back to the row each came
-// from, after checking that the row still holds what was read.
+// from, after checking that the row still holds what was read. A value
+// assigned to a field becomes one of the column's type at once (see
+// convertForColumn), and after a write the record set keeps the row as the
+// file holds it, so that the check compares like with like.
+//
+// A record set keeps the source of the connection it was opened on for as
+// long as it stays open: it reads and writes back its rows after the
+// connection is closed or gone.
 //
 // Keyset (code) and static (data control) record sets behave alike here:
 // both hold the rows the query gave when it ran.
@@ -59,8 +68,10 @@ public:
     // Fails for a name the source lacks, and when there is no current row.
     jet::Value field(std::u16string_view name) const;
     jet::Value field(std::size_t ordinal) const;
-    void setField(std::u16string_view name, jet::Value value);
-    void setField(std::size_t ordinal, jet::Value value);
+    // Converts the value to the column's type (see convertForColumn); a
+    // value refused there throws DataError and leaves the row as it was.
+    void setField(std::u16string_view name, const jet::Value& value);
+    void setField(std::size_t ordinal, const jet::Value& value);
 
     // The original's AbsolutePosition assignment: makes the row at 1-based
     // position current, writing the pending edit of the row it leaves.
@@ -76,6 +87,10 @@ public:
     void leaveRow();
 
     void addNew();
+    // Writes the edit or the new row in one statement of the engine, which
+    // first checks that the row still holds what was read, then reads the
+    // row back. Throws DataError when another program changed or deleted
+    // the row, jet::Error when the engine refuses the row.
     void update();
     void cancelUpdate();
     void remove();  // the original's Delete
@@ -113,14 +128,18 @@ private:
     void requireCurrent() const;
     void rebuildView();
     void moved();
-    std::vector<jet::Value> readUnchanged(const jet::TableDefinition& table, const Row& row) const;
+    std::vector<jet::Value> readUnchanged(const jet::PageSource& file,
+                                          const jet::TableDefinition& table, const Row& row) const;
+    std::vector<jet::Value> withEdit(std::vector<jet::Value> tableValues) const;
+    std::vector<jet::Value> fieldValues(const std::vector<jet::Value>& tableValues) const;
     jet::Database& database() const;
 
-    Connection* connection_ = nullptr;
+    std::shared_ptr<Source> source_;  // of the connection opened on; null while closed
     bool open_ = false;
     std::vector<std::u16string> columnNames_;
     std::vector<jet::ColumnType> columnTypes_;
     std::u16string baseTable_;       // the one table the rows map to, or empty: read-only
+    jet::TableDefinition baseDefinition_;  // of baseTable_, as read at the open
     std::vector<int> tableColumn_;   // result column -> the table's column, -1 for none
     std::vector<Row> rows_;          // every row the query gave, added rows after them
     std::vector<std::size_t> view_;  // rows_ under the filter and sort, in order

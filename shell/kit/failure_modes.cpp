@@ -1,5 +1,6 @@
 #include "shell/kit/failure_modes.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 
@@ -9,12 +10,17 @@
 namespace kit {
 namespace {
 
-// Errors of the data layer carry the provider's number for a failed
-// command, anything else the platform's "invalid procedure call".
+// Errors of the data layer carry the provider's number, the engine's own
+// that of a failed command; anything else the platform's "invalid procedure
+// call".
 QString errorNumber(const std::exception& error) {
-    if (dynamic_cast<const jet::Error*>(&error) != nullptr)
-        return QStringLiteral("-2147217900 (80040e14)");
-    return QStringLiteral("5");
+    if (dynamic_cast<const jet::Error*>(&error) == nullptr)
+        return QStringLiteral("5");
+    const auto* dataError = dynamic_cast<const store::DataError*>(&error);
+    const std::int32_t number =
+        dataError != nullptr ? dataError->number() : store::DataError::kCommandFailed;
+    return QStringLiteral("%1 (%2)").arg(number).arg(static_cast<std::uint32_t>(number), 8, 16,
+                                                     QLatin1Char('0'));
 }
 
 }  // namespace

@@ -8,23 +8,10 @@
 
 #include "shell/kit/vb_number.h"
 #include "store/data_error.h"
+#include "store/date_text.h"
 
 namespace kit {
 namespace {
-
-QString dateText(const jet::Date& date) {
-    const jet::CivilDateTime civil = date.toCivil();
-    QString time =
-        QTime(civil.hour, civil.minute, civil.second).toString(QStringLiteral("HH:mm:ss"));
-    // Day zero of the OLE calendar holds times of day alone.
-    if (civil.year == 1899 && civil.month == 12 && civil.day == 30)
-        return time;
-    QString day =
-        QDate(civil.year, civil.month, civil.day).toString(QStringLiteral("dd.MM.yyyy"));
-    if (civil.hour == 0 && civil.minute == 0 && civil.second == 0)
-        return day;
-    return day + QLatin1Char(' ') + time;
-}
 
 [[noreturn]] void refuse(const QString& text, jet::ColumnType type) {
     throw store::DataError("\"" + text.toStdString() + "\" is not a value of a " +
@@ -87,7 +74,7 @@ QString displayText(const jet::Value& value) {
         case jet::Value::Kind::Currency:
             return plainNumber(static_cast<double>(value.asCurrency().tenThousandths) / 10000.0);
         case jet::Value::Kind::Date:
-            return dateText(value.asDate());
+            return QString::fromStdU16String(store::dateText(value.asDate()));
         case jet::Value::Kind::Decimal:
             return QString::fromStdString(value.asDecimal().toString())
                 .replace(QLatin1Char('.'), QLatin1Char(','));

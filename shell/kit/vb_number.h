@@ -27,33 +27,16 @@ namespace kit {
 // interpreted; the reading simply stops there.
 double Val(QStringView text);
 
-// The runtime's IsNumeric for a text, on a Turkish Windows. The runtime
-// hands the text to the system's number parser with the user's locale:
-// decimal separator ",", thousands separator ".", currency symbol "TL"
-// (or "₺", which later Windows versions use).
-// True when the whole text is one number in that form:
-// - blanks (space, tab, line breaks, no-break space) before and after;
-// - one "+" or "-" before or after the number, or parentheses around it;
-// - the currency symbol before or after a decimal number;
-// - digits with "." anywhere after the first digit (the separator's
-//   grouping is not checked: "1.5" is the number 15, "1.000" is 1000) and
-//   at most one ",": "1,5", ",5" and "5," are numbers, "." and "," are not;
-// - an exponent, E or e only (the parser knows no D), with one optional
-//   sign and at least one digit, not after a currency symbol;
-// - or "&H" with hexadecimal or "&O" with octal digits, at most 32 bits.
-// False for "", blanks only, "12a", "-", "1 2", and a number too large for a
-// Double ("1e400"), because the runtime's conversion behind it fails then.
+// The runtime's IsNumeric for a text, on a Turkish Windows: the runtime
+// hands the text to the system's number parser with the user's locale, which
+// store::readNumber follows (decimal separator ",", thousands separator ".",
+// currency symbol "TL" or "₺"). "1,5", "1.000", "(5)" and "&HFF" are
+// numbers; "", "12a", "1 2" and "1e400" are not.
 bool IsNumeric(QStringView text);
 
 // A Double written as the runtime writes it when it joins a number to a
-// text on a Turkish Windows: at most 15 significant digits, rounded; no
-// thousands separator; "," before the decimals; no decimals on whole
-// numbers; "-" for negatives, and -0 as "0". Numbers of 1E+15 and more, and
-// of less than 0.0001, in exponent form: "1E+15", "1,23456789012346E+15",
-// "1E-05" (at least two exponent digits). So 12345678901 gives
-// "12345678901" and 123456789012345 gives "123456789012345". Infinity and
-// NaN, which the runtime cannot make, come out as its Turkish spellings
-// "1,#INF", "-1,#INF" and "-1,#IND".
+// text on a Turkish Windows, as its CStr does: see store::numberText. So
+// 1.5 gives "1,5", 12345678901 gives "12345678901" and 1E+15 "1E+15".
 QString plainNumber(double value);
 
 }  // namespace kit

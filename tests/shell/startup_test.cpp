@@ -83,7 +83,24 @@ TEST_F(StartUp, MissingDatabaseEndsThroughTheRunTimeErrorReport) {
             MessageBoxAnswerer answerer;
             kit::bare([] { shell::sifrevarmi(); });
         },
-        ::testing::ExitedWithCode(1), "Run-time error");
+        ::testing::ExitedWithCode(1), "Run-time error '-2147217900 \\(80040e14\\)'");
+}
+
+// A value that a field cannot take shows the provider's own number.
+TEST_F(StartUp, RefusedFieldValueReportsTheProvidersNumber) {
+    EXPECT_EXIT(
+        {
+            MessageBoxAnswerer answerer;
+            kit::bare([] {
+                store::Connection connection;
+                connection.Open(kit::relativeConnectionString().toStdString());
+                store::Recordset tally;
+                tally.open(u"select* from TMP", connection);
+                tally.setField(u"sabah", jet::Value::text(u"on iki"));
+            });
+        },
+        ::testing::ExitedWithCode(1),
+        "Run-time error '-2147217887 \\(80040e21\\)':\n\nMultiple-step operation generated errors");
 }
 
 }  // namespace
