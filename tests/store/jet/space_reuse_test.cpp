@@ -275,6 +275,14 @@ TEST_F(SpaceReuse, RowsAddedAfterDeletionsComeLast) {
         EXPECT_TRUE(after(id, ids.back()));
     expected.insert(expected.end(), added.begin(), added.end());
     expectFileHolds(u"IZINLER", expected);
+
+    // The pages of the middle serve a new table, which every reader lists.
+    const std::uint32_t pages = database.file().pageCount();
+    const std::string tables = runCommand("mdb-tables -1 " + shellQuote(path_));
+    database.createTable(kTmpMenu);
+    EXPECT_EQ(database.file().pageCount(), pages);
+    EXPECT_EQ(checkIntegrity(database.file()), std::vector<std::string>{});
+    EXPECT_EQ(runCommand("mdb-tables -1 " + shellQuote(path_)), tables + "TMPMENU\n");
 }
 
 // A file grown past the inline window of its map of free pages: the map
