@@ -274,6 +274,17 @@ TEST_F(SpaceReuse, RowsAddedAfterDeletionsComeLast) {
     for (const RowId id : database.insertRows(u"IZINLER", added))
         EXPECT_TRUE(after(id, ids.back()));
     expected.insert(expected.end(), added.begin(), added.end());
+    // The first row after the gap grows in place: its page drops the bytes
+    // of the deleted rows before it, whose slots stay.
+    ASSERT_GT(ids[to].row, 0) << "no deleted row before it on its page";
+    expected[from][9] = Value::text(u"izin uzatıldı, veli dilekçesi dosyada");
+    database.updateRow(u"IZINLER", ids[to], expected[from]);
+    {
+        TableCursor cursor = database.scan(table);
+        while (cursor.next() && !(cursor.rowId() == ids[to])) {
+        }
+        EXPECT_TRUE(cursor.rowId() == ids[to] && !cursor.rowMoved());
+    }
     expectFileHolds(u"IZINLER", expected);
 
     // The pages of the middle serve a new table, which every reader lists.
