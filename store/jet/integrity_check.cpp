@@ -522,6 +522,13 @@ private:
                     ", which is not on a data page of the table");
             return std::nullopt;
         }
+        // A page reached through a pointer alone is not claimed by a map: it
+        // must not be free to be handed out.
+        if (pages_[number].free) {
+            problem(where + " is moved to " + pointerText(pointer) +
+                    ", on a page the map of free pages marks free");
+            return std::nullopt;
+        }
         file_.read(number, target);
         const DataPage data(target, number);
         RowSlot slot;

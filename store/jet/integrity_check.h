@@ -24,8 +24,9 @@ struct IntegrityReport {
 //   used by one owner: the header, a table's definition, rows, long values,
 //   index, or a usage map; no page is both free and used;
 // - every usage map decodes and names pages inside the file;
-// - every live row decodes; moved rows point to their data, long values to
-//   long value rows, chains end and their lengths add up;
+// - every live row decodes; moved rows point to their data on a page of the
+//   table that is not free, long values to long value rows, chains end and
+//   their lengths add up;
 // - a user table's row count is its number of live rows;
 // - every real index holds its pages only, entries in key order, one entry
 //   for each row it should hold, with the key the row's values give.

@@ -26,6 +26,8 @@ namespace l = format::lval;
 
 // Long values up to this size stay in the row.
 constexpr std::size_t kMaxInlineLongValue = 64;
+// The table's last data pages whose rows' long value pages a writer looks at.
+constexpr std::size_t kLastPagesSearched = 4;
 // The most a long value row carries: a whole page less its header and offset.
 constexpr std::size_t kMaxLongValueRow = kMaxRowSize;
 
@@ -61,6 +63,28 @@ bool allKeyColumnsNull(const TableDefinition& table, const RealIndex& index,
         }
     }
     return true;
+}
+
+// Calls `use` with the 12-byte reference of each memo and OLE value of a
+// stored row that is not Null.
+template <typename Use>
+void forEachLongValue(const TableDefinition& table, ByteView row, Use use) {
+    const std::size_t rowColumns = row.u16(0);
+    const std::size_t maskSize = (rowColumns + 7) / 8;
+    if (row.size() < 2 + maskSize) throw Error("a row is too short for its null mask");
+    const std::size_t offsetTableEnd = row.size() - maskSize;
+    const std::size_t rowVariableColumns =
+        table.variableColumnCount > 0 ? row.u16(offsetTableEnd - 2) : 0;
+    const ByteView nullMask = row.sub(offsetTableEnd, maskSize);
+    for (const Column& column : table.columns) {
+        if (!column.isLongValue() || column.number >= rowColumns ||
+            (nullMask.u8(column.number / 8) & (1u << (column.number % 8))) == 0 ||
+            column.variableIndex >= rowVariableColumns) {
+            continue;
+        }
+        const std::size_t start = row.u16(offsetTableEnd - 4 - 2 * column.variableIndex);
+        use(row.sub(start, l::kReferenceSize));
+    }
 }
 
 const Value* valueOfColumn(const TableDefinition& table, const std::vector<Value>& values,
@@ -162,44 +186,62 @@ void TableWriter::checkUnique(const IndexKeys& keys, const std::vector<Value>& v
     }
 }
 
-std::uint32_t TableWriter::lastDataPage() {
-    if (lastPage_ != 0) return lastPage_;
+// The table's highest data pages, at most `count`, highest first.
+std::vector<std::uint32_t> TableWriter::lastDataPages(std::size_t count) {
     const std::vector<std::uint32_t> pages = readUsageMap(statement_, table_.usageMap);
+    std::vector<std::uint32_t> last;
     Page page{};
-    for (auto it = pages.rbegin(); it != pages.rend(); ++it) {
+    for (auto it = pages.rbegin(); it != pages.rend() && last.size() < count; ++it) {
         statement_.read(*it, page);
-        if (page[0] == format::kPageData && readU32(page, d::kOwnerOffset) == table_.page) {
-            lastPage_ = *it;
-            return lastPage_;
-        }
+        if (page[0] == format::kPageData && readU32(page, d::kOwnerOffset) == table_.page)
+            last.push_back(*it);
     }
-    lastPage_ = newDataPage(table_.page);
-    return lastPage_;
+    return last;
 }
 
-std::uint32_t TableWriter::newDataPage(std::uint32_t owner) {
-    const std::uint32_t number = allocatePage(statement_);
-    initDataPage(statement_.change(number), owner);
-    if (owner == table_.page) {
-        addToUsageMap(statement_, table_.usageMap, number);
-        addToUsageMap(statement_, table_.freeSpaceMap, number);
+// The table's highest data page, 0 when it has none: every live row of the
+// table lies on it or before it.
+std::uint32_t TableWriter::lastDataPage() {
+    if (!lastPage_) {
+        const std::vector<std::uint32_t> last = lastDataPages(1);
+        lastPage_ = last.empty() ? 0 : last.front();
     }
-    return number;
+    return *lastPage_;
 }
 
 RowId TableWriter::placeRow(const Bytes& row, std::uint16_t flags) {
-    std::uint32_t page = lastDataPage();
-    if (!dataPageFits(statement_.change(page), row.size())) {
+    const std::uint32_t last = lastDataPage();
+    if (last != 0) {
+        Page& page = statement_.change(last);
+        if (dataPageFits(page, row.size()) ||
+            row.size() <= dataPageRoom(page, NewSlot::AfterLast)) {
+            return RowId{last, addRow(page, row, flags, NewSlot::AfterLast)};
+        }
         // The full page leaves the map of pages with free space.
-        removeFromUsageMap(statement_, table_.freeSpaceMap, page);
-        page = newDataPage(table_.page);
-        lastPage_ = page;
+        removeFromUsageMap(statement_, table_.freeSpaceMap, last);
     }
-    const std::uint16_t slot = appendRow(statement_.change(page), row, flags);
-    return RowId{page, slot};
+    // A page before the last would put the row before others in a scan.
+    const std::uint32_t number = allocatePage(statement_, last);
+    initDataPage(statement_.change(number), table_.page);
+    addToUsageMap(statement_, table_.usageMap, number);
+    addToUsageMap(statement_, table_.freeSpaceMap, number);
+    lastPage_ = number;
+    return RowId{number, appendRow(statement_.change(number), row, flags)};
 }
 
-Bytes TableWriter::storeLongValue(const Bytes& stored) {
+// A data page of the table whose rows are all deleted leaves the table's
+// maps and goes back to the free pages. A page that holds a moved row's data
+// stays: that data is live.
+void TableWriter::releaseIfEmpty(std::uint32_t dataPage) {
+    if (!dataPageEmpty(statement_.change(dataPage))) return;
+    removeFromUsageMap(statement_, table_.usageMap, dataPage);
+    removeFromUsageMap(statement_, table_.freeSpaceMap, dataPage);
+    releasePage(statement_, dataPage);
+    if (lastPage_ == dataPage) lastPage_.reset();
+    searchedDataPages_.erase(dataPage);
+}
+
+Bytes TableWriter::storeLongValue(const Bytes& stored, std::uint32_t nearPage) {
     const auto length = static_cast<std::uint32_t>(stored.size());
     if (stored.size() > l::kLengthMask) throw Error("a memo or OLE value is too long");
     if (stored.size() <= kMaxInlineLongValue) {
@@ -207,16 +249,20 @@ Bytes TableWriter::storeLongValue(const Bytes& stored) {
         field.insert(field.end(), stored.begin(), stored.end());
         return field;
     }
-    const auto lvalPageFor = [&](std::size_t size) {
-        if (longValuePage_ == 0 || !dataPageFits(statement_.change(longValuePage_), size)) {
-            longValuePage_ = newDataPage(kLongValueOwner);
-        }
-        return longValuePage_;
+    if (!searchedLastPages_) {
+        searchedLastPages_ = true;
+        for (const std::uint32_t page : lastDataPages(kLastPagesSearched))
+            noteLongValuePagesOf(page);
+    }
+    if (nearPage != 0) noteLongValuePagesOf(nearPage);
+    const auto put = [&](const Bytes& row) {
+        const std::uint32_t page = longValuePageFor(row.size());
+        const std::uint16_t slot = addRow(statement_.change(page), row, 0, NewSlot::FirstFree);
+        noteLongValuePage(page);
+        return pointerTo({page, slot});
     };
     if (stored.size() <= kMaxLongValueRow) {
-        const std::uint32_t page = lvalPageFor(stored.size());
-        const std::uint16_t slot = appendRow(statement_.change(page), stored);
-        return reference(length | l::kSinglePage, pointerTo({page, slot}));
+        return reference(length | l::kSinglePage, put(stored));
     }
     // A chain: written from its end, so that each part knows the next.
     constexpr std::size_t kPart = kMaxLongValueRow - 4;
@@ -228,55 +274,114 @@ Bytes TableWriter::storeLongValue(const Bytes& stored) {
         putU32(part, 0, next);
         part.insert(part.end(), stored.begin() + static_cast<std::ptrdiff_t>(begin),
                     stored.begin() + static_cast<std::ptrdiff_t>(end));
-        const std::uint32_t page = lvalPageFor(part.size());
-        next = pointerTo({page, appendRow(statement_.change(page), part)});
+        next = put(part);
         end = begin;
     }
     return reference(length, next);
 }
 
+// The first long value page known to take a row of that size, else a new
+// one: a free page or one at the end of the file.
+std::uint32_t TableWriter::longValuePageFor(std::size_t size) {
+    for (const auto& [number, room] : longValuePages_) {
+        if (room >= size) return number;
+    }
+    const std::uint32_t number = allocatePage(statement_);
+    initDataPage(statement_.change(number), kLongValueOwner);
+    return number;
+}
+
+// Looks at the long value pages that the rows of one of the table's data
+// pages refer to. The file keeps no list of a table's long value pages that
+// could be trusted (Access keeps maps per memo column in some files, tables
+// made here have none), and a search of the whole table would cost a scan
+// for each statement. A page that a live row of the table names is the
+// table's and in use, so writing to it is safe; the table's last pages and
+// the page of the row being written name the values written last, whose
+// pages are the likeliest to have room. One data page costs one read, and
+// a writer reads each only once.
+void TableWriter::noteLongValuePagesOf(std::uint32_t dataPage) {
+    if (!searchedDataPages_.insert(dataPage).second) return;
+    Page page{};
+    statement_.read(dataPage, page);
+    if (page[0] != format::kPageData || readU32(page, d::kOwnerOffset) != table_.page) return;
+    std::set<std::uint32_t> named;
+    try {
+        const DataPage rows(page, dataPage);
+        for (std::uint16_t row = 0; row < rows.rowCount(); ++row) {
+            const RowSlot slot = rows.slot(row);
+            // Deleted rows and moved rows' pointers hold no values.
+            if (slot.overflow) continue;
+            forEachLongValue(table_, rows.rowBytes(slot), [&](ByteView field) {
+                if ((field.u32(0) & l::kInline) == 0) named.insert(pointerPage(field.u32(4)));
+            });
+        }
+    } catch (const Error&) {
+        // A row that does not read is left to the integrity check; the
+        // values found before it still count.
+    }
+    for (const std::uint32_t number : named) {
+        if (longValuePages_.count(number) != 0 || unfitLongValuePages_.count(number) != 0)
+            continue;
+        // A page the map of free pages calls free (a damaged file) could be
+        // handed out again: it is not written.
+        if (number >= statement_.pageCount() || isPageFree(statement_, number)) {
+            unfitLongValuePages_.insert(number);
+            continue;
+        }
+        noteLongValuePage(number);
+    }
+}
+
+// Records whether a long value page of the table takes more values, and how
+// large; a page that takes none but inline ones is left out.
+void TableWriter::noteLongValuePage(std::uint32_t number) {
+    longValuePages_.erase(number);
+    unfitLongValuePages_.insert(number);
+    Page page{};
+    statement_.read(number, page);
+    if (page[0] != format::kPageData || readU32(page, d::kOwnerOffset) != kLongValueOwner) return;
+    std::size_t room = 0;
+    try {
+        room = dataPageRoom(page, NewSlot::FirstFree);
+    } catch (const Error&) {
+        return;  // a damaged page is not written
+    }
+    if (room <= kMaxInlineLongValue) return;
+    unfitLongValuePages_.erase(number);
+    longValuePages_[number] = room;
+}
+
 // Marks the long value rows of a row's memo and OLE values deleted and frees
 // the pages they leave empty.
 void TableWriter::freeLongValues(ByteView row) {
-    const std::size_t rowColumns = row.u16(0);
-    const std::size_t maskSize = (rowColumns + 7) / 8;
-    const std::size_t offsetTableEnd = row.size() - maskSize;
-    const std::size_t rowVariableColumns = table_.variableColumnCount > 0 ? row.u16(offsetTableEnd - 2) : 0;
-    const ByteView nullMask = row.sub(offsetTableEnd, maskSize);
-    for (const Column& column : table_.columns) {
-        if (!column.isLongValue() || column.number >= rowColumns ||
-            (nullMask.u8(column.number / 8) & (1u << (column.number % 8))) == 0 ||
-            column.variableIndex >= rowVariableColumns) {
-            continue;
-        }
-        const std::size_t start = row.u16(offsetTableEnd - 4 - 2 * column.variableIndex);
-        const ByteView field = row.sub(start, l::kReferenceSize);
+    forEachLongValue(table_, row, [&](ByteView field) {
         const std::uint32_t header = field.u32(0);
-        if ((header & l::kInline) != 0) continue;
+        if ((header & l::kInline) != 0) return;
         std::uint32_t pointer = field.u32(4);
         std::set<std::uint32_t> seen;
         while (pointer != 0 && seen.insert(pointer).second) {
-            Page& page = statement_.change(pointerPage(pointer));
-            const DataPage dataPage(page, pointerPage(pointer));
+            const std::uint32_t number = pointerPage(pointer);
+            Page& page = statement_.change(number);
+            const DataPage dataPage(page, number);
+            if (!dataPage.isLongValuePage()) {
+                throw Error("a memo or OLE value points to page " + std::to_string(number) +
+                            ", which is no long value page");
+            }
             const RowSlot slot = dataPage.slot(pointerRow(pointer));
             const std::uint32_t next =
                 (header & l::kSinglePage) != 0 ? 0 : dataPage.rowBytes(slot).u32(0);
             setRowFlags(page, pointerRow(pointer), d::kRowDeleted | d::kRowOverflow);
-            releaseIfEmpty(pointerPage(pointer));
+            if (dataPageEmpty(page)) {
+                releasePage(statement_, number);
+                longValuePages_.erase(number);
+                unfitLongValuePages_.erase(number);
+            } else {
+                noteLongValuePage(number);
+            }
             pointer = next;
         }
-    }
-}
-
-// A long value page whose rows are all deleted goes back to the database's
-// free pages; the page this writer is filling stays its own.
-void TableWriter::releaseIfEmpty(std::uint32_t number) {
-    if (number == longValuePage_) return;
-    const DataPage page(statement_.change(number), number);
-    for (std::uint16_t row = 0; row < page.rowCount(); ++row) {
-        if (!page.slot(row).deleted) return;
-    }
-    releasePage(statement_, number);
+    });
 }
 
 void TableWriter::addToRowCount(int delta) {
@@ -304,8 +409,11 @@ RowId TableWriter::insert(std::vector<Value> values) {
         Page& page = statement_.change(table_.page);
         std::memcpy(page.data() + format::tdef::kAutoNumberOffset, &*autoNumber, 4);
     }
-    const Bytes row = encodeRow(table_, values,
-                                [&](const Column&, const Bytes& stored) { return storeLongValue(stored); });
+    // The row's long values go near those of the rows before it.
+    const std::uint32_t near = lastDataPage();
+    const Bytes row = encodeRow(table_, values, [&](const Column&, const Bytes& stored) {
+        return storeLongValue(stored, near);
+    });
     const RowId placed = placeRow(row, 0);
     addToRowCount(1);
     for (std::size_t i = 0; i < keys.size(); ++i) {
@@ -337,6 +445,10 @@ void TableWriter::update(RowId row, const std::vector<Value>& values) {
         Page dataPage{};
         statement_.read(data.page, dataPage);
         const DataPage current(dataPage, data.page);
+        if (current.owner() != table_.page) {
+            throw Error("row " + std::to_string(row.row) + " of page " + std::to_string(row.page) +
+                        " is moved to page " + std::to_string(data.page) + " of another table");
+        }
         const ByteView bytes = current.rowBytes(current.slot(data.row));
         if (!indexes_.empty()) {
             std::vector<Value> oldValues;
@@ -355,8 +467,9 @@ void TableWriter::update(RowId row, const std::vector<Value>& values) {
         if (newKeys[i])
             indexes_[i]->insert(*newKeys[i], row);
     }
-    const Bytes encoded = encodeRow(table_, values,
-                                    [&](const Column&, const Bytes& stored) { return storeLongValue(stored); });
+    const Bytes encoded = encodeRow(table_, values, [&](const Column&, const Bytes& stored) {
+        return storeLongValue(stored, row.page);
+    });
     if (!homeSlot.overflow) {
         if (replaceRow(statement_.change(row.page), row.row, encoded, 0)) return;
     } else {
@@ -370,6 +483,7 @@ void TableWriter::update(RowId row, const std::vector<Value>& values) {
     if (!replaceRow(statement_.change(row.page), row.row, pointer, d::kRowOverflow)) {
         throw Error("page " + std::to_string(row.page) + " has no room for a row's pointer");
     }
+    if (data.page != row.page) releaseIfEmpty(data.page);
 }
 
 void TableWriter::remove(RowId row) {
@@ -408,10 +522,16 @@ void TableWriter::remove(RowId row) {
         if (keys[i])
             indexes_[i]->remove(*keys[i], row);
     }
+    std::uint32_t dataPage = row.page;
     if (slot.overflow) {
         const std::uint32_t pointer = home.rowBytes(slot).u32(0);
-        Page& targetPage = statement_.change(pointerPage(pointer));
-        const DataPage target(targetPage, pointerPage(pointer));
+        dataPage = pointerPage(pointer);
+        Page& targetPage = statement_.change(dataPage);
+        const DataPage target(targetPage, dataPage);
+        if (target.owner() != table_.page) {
+            throw Error("row " + std::to_string(row.row) + " of page " + std::to_string(row.page) +
+                        " is moved to page " + std::to_string(dataPage) + " of another table");
+        }
         freeLongValues(target.rowBytes(target.slot(pointerRow(pointer))));
         setRowFlags(targetPage, pointerRow(pointer), d::kRowDeleted | d::kRowOverflow);
     } else {
@@ -419,6 +539,8 @@ void TableWriter::remove(RowId row) {
     }
     setRowFlags(statement_.change(row.page), row.row, d::kRowDeleted | d::kRowOverflow);
     addToRowCount(-1);
+    releaseIfEmpty(row.page);
+    if (dataPage != row.page) releaseIfEmpty(dataPage);
 }
 
 }  // namespace jet

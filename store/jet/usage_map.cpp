@@ -92,4 +92,29 @@ std::vector<std::uint32_t> readFreePages(const PageSource& file) {
     return readMap(file, format::usage::kFreePagesMap, BeyondEnd::Skip);
 }
 
+bool isPageFree(const PageSource& file, std::uint32_t page) {
+    const auto bitOf = [](ByteView bitmap, std::uint64_t bit) {
+        return bit / 8 < bitmap.size() && (bitmap.u8(bit / 8) & (1u << (bit % 8))) != 0;
+    };
+    Page holder{};
+    file.read(pointerPage(u::kFreePagesMap), holder);
+    const DataPage mapPage(holder, pointerPage(u::kFreePagesMap));
+    const ByteView map = mapPage.rowBytes(mapPage.slot(pointerRow(u::kFreePagesMap)));
+    if (map.size() >= 5 && map.u8(0) == u::kInlineMap) {
+        const std::uint32_t start = map.u32(1);
+        return page >= start && bitOf(map.from(5), page - start);
+    }
+    const std::size_t slot = page / u::kPagesPerMapPage;
+    if (map.empty() || map.u8(0) != u::kReferenceMap || !map.contains(1 + 4 * slot, 4))
+        return false;
+    const std::uint32_t number = map.u32(1 + 4 * slot);
+    if (number == 0 || number >= file.pageCount()) return false;
+    Page bitmap{};
+    file.read(number, bitmap);
+    return bitmap[0] == format::kPageUsageMap &&
+           bitOf(ByteView(bitmap.data() + u::kMapPageBitmapOffset,
+                          bitmap.size() - u::kMapPageBitmapOffset),
+                 page % u::kPagesPerMapPage);
+}
+
 }  // namespace jet

@@ -19,4 +19,8 @@ std::vector<std::uint32_t> readUsageMap(const PageSource& file, std::uint32_t po
 // the file are left out.
 std::vector<std::uint32_t> readFreePages(const PageSource& file);
 
+// Whether the database's map of free pages marks the page free. A page it
+// does not cover is not free.
+bool isPageFree(const PageSource& file, std::uint32_t page);
+
 }  // namespace jet

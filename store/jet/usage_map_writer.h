@@ -7,19 +7,22 @@ namespace jet {
 class WriteStatement;
 
 // Marks a page in the usage map stored in the row `pointer`: a table's map
-// of owned pages or of pages with free space. An inline map whose window
-// cannot reach the page becomes a map by reference, whose usage map pages
+// of owned pages or of pages with free space, or an index's map. An inline
+// map whose window cannot reach the page moves its window when all its pages
+// still fit, and otherwise becomes a map by reference, whose usage map pages
 // are made as needed.
 void addToUsageMap(WriteStatement& statement, std::uint32_t pointer, std::uint32_t page);
 void removeFromUsageMap(WriteStatement& statement, std::uint32_t pointer, std::uint32_t page);
 
-// A new, zeroed page at the end of the file, taken out of the database's map
-// of free pages (row 0 of page 1, where a set bit means free and pages past
-// the map's window count as free).
-std::uint32_t allocatePage(WriteStatement& statement);
+// A zeroed page for a new use: the lowest page above `after` that the
+// database's map of free pages (row 0 of page 1, a set bit for a free page)
+// marks free, else a new page at the end of the file. The map covers the
+// whole file: inline while its window reaches the last page, by reference
+// after that.
+std::uint32_t allocatePage(WriteStatement& statement, std::uint32_t after = 0);
 
-// Marks a page no longer used as free in the database's map of free pages,
-// where the map reaches it; a page it cannot reach stays marked used.
+// Gives back a page that nothing refers to any more: it is zeroed and marked
+// free in the map of free pages, for allocatePage to hand out again.
 void releasePage(WriteStatement& statement, std::uint32_t page);
 
 }  // namespace jet

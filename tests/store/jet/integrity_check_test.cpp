@@ -280,6 +280,44 @@ TEST(IntegrityCheck, MovedRowsAndLongValuesThatLeadAstray) {
             << problems;
     }
     {
+        // The page a moved row's data lies on marked free and left out of
+        // its table's usage map: only the pointer still reaches it.
+        DamagedCopy copy("overflowTestV2000.mdb");
+        RowId moved;
+        std::uint32_t usageMap = 0;
+        {
+            const Database database(copy.path().string());
+            const TableDefinition definition = database.table(u"Table1");
+            usageMap = definition.usageMap;
+            TableCursor cursor = database.scan(definition);
+            while (cursor.next() && !cursor.rowMoved()) {
+            }
+            ASSERT_TRUE(cursor.rowMoved());
+            moved = cursor.rowId();
+        }
+        const std::uint32_t target =
+            pointerPage(copy.u32(moved.page, copy.rowStart(moved)));
+        const auto setBit = [&](std::uint32_t map, bool on) {
+            const std::size_t start = copy.rowStart(RowId{pointerPage(map), pointerRow(map)});
+            ASSERT_EQ(copy.page(pointerPage(map))[start], format::usage::kInlineMap);
+            const std::uint32_t bit = target - copy.u32(pointerPage(map), start + 1);
+            std::uint8_t& byte = copy.page(pointerPage(map))[start + 5 + bit / 8];
+            byte = static_cast<std::uint8_t>(on ? byte | (1u << (bit % 8))
+                                                : byte & ~(1u << (bit % 8)));
+        };
+        setBit(format::usage::kFreePagesMap, true);
+        setBit(usageMap, false);
+        copy.save();
+        EXPECT_NE(problemsOf(copy.path())
+                      .find("row " + std::to_string(moved.row) + " of page " +
+                            std::to_string(moved.page) + " of table Table1 is moved to row " +
+                            std::to_string(pointerRow(copy.u32(moved.page, copy.rowStart(moved)))) +
+                            " of page " + std::to_string(target) +
+                            ", on a page the map of free pages marks free"),
+                  std::string::npos)
+            << problemsOf(copy.path());
+    }
+    {
         // test2V2000.mdb: a value of MSP_PROJECTS is a chain of long value
         // rows; its first row is made to point to itself.
         DamagedCopy copy("test2V2000.mdb");

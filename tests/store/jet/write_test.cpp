@@ -19,6 +19,7 @@
 #include "store/jet/journal.h"
 #include "store/jet/row_decoder.h"
 #include "store/jet/row_encoder.h"
+#include "store/jet/table_writer.h"
 #include "store/jet/text.h"
 #include "store/jet/usage_map.h"
 #include "tests/store/jet/test_files.h"
@@ -218,12 +219,14 @@ TEST(TableWriter, MemoValuesInlineOnOnePageAndChained) {
     expectMdbExportAgrees(file, u"test");
 
     // Replacing and deleting long values; the pages of the chain go back to
-    // the free pages.
-    const std::vector<std::uint32_t> freeBefore = readFreePages(database.file());
+    // the free pages, and a longer chain takes them again.
+    const std::size_t freeBefore = readFreePages(database.file()).size();
     database.updateRow(u"test", ids[2], memoRow(u"yeni"));
+    EXPECT_GE(readFreePages(database.file()).size(), freeBefore + 5);
     database.updateRow(u"test", ids[0], memoRow(lines + lines));
+    EXPECT_LE(readFreePages(database.file()).size(), freeBefore);
     database.deleteRows(u"test", {ids[3]});
-    EXPECT_GE(readFreePages(database.file()).size(), freeBefore.size() + 5);
+    EXPECT_GE(readFreePages(database.file()).size(), freeBefore + 1);
     EXPECT_EQ(checkIntegrity(database.file()), std::vector<std::string>{});
     rows = testing::readRows(Database(file), u"test");
     ASSERT_EQ(rows.size(), 4u);
@@ -393,6 +396,37 @@ TEST(CrashSafety, WriteScopeAllOrNothing) {
                           return rows == before ? 0 : rows == before - 300 + 2 ? 1 : -1;
                       });
     expectMdbExportAgrees((dir.path() / "work.mdb").string(), u"IZINLER");
+}
+
+// Pages given back and taken again in one statement: the boarders replaced
+// whole, their data and index pages going to the free pages and out again.
+TEST(CrashSafety, FreedPagesTakenAgainAllOrNothing) {
+    SKIP_WITHOUT_FIXTURES();
+    testing::TempDir dir;
+    const std::string original = copyFixture(dir, "kvl/kvl.mdb");
+    const std::vector<std::vector<Value>> boarders =
+        testing::readRows(Database(original), u"Pansiyon");
+    std::vector<std::vector<Value>> replaced = boarders;
+    for (auto& row : replaced) row[2] = Value::text(u"Yılmaz");
+    const std::string file = (dir.path() / "work.mdb").string();
+    crashAtEveryWrite(
+        original, file,
+        [&](Database& database) {
+            database.write([&](WriteStatement& statement) {
+                const TableDefinition table = findTable(statement, u"Pansiyon");
+                std::vector<RowId> ids;
+                TableCursor cursor(statement, table);
+                while (cursor.next()) ids.push_back(cursor.rowId());
+                TableWriter writer(statement, table);
+                for (const RowId id : ids) writer.remove(id);
+                for (const auto& row : replaced) writer.insert(row);
+            });
+        },
+        [&](const Database& database) {
+            const auto rows = testing::readRows(database, u"Pansiyon");
+            return rows == boarders ? 0 : rows == replaced ? 1 : -1;
+        });
+    EXPECT_EQ(std::filesystem::file_size(file), std::filesystem::file_size(original));
 }
 
 // Two processes insert into one file at the same time; every row of both arrives.
