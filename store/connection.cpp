@@ -50,13 +50,7 @@ void Connection::Close() {
 
 sql::ExecuteResult Connection::Execute(std::u16string_view statement) {
     requireOpen("Execute");
-    try {
-        return source_->execute(statement);
-    } catch (const DataError&) {
-        throw;
-    } catch (const jet::Error& error) {
-        throw DataError(error.what());
-    }
+    return asDataError([&] { return source_->execute(statement); });
 }
 
 sql::QueryResult Connection::OpenSchema(int schema) const {

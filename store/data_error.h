@@ -32,4 +32,16 @@ private:
     std::int32_t number_;
 };
 
+// Runs `work` and gives what the engine refuses to the caller as a DataError.
+template <class Work>
+decltype(auto) asDataError(Work&& work) {
+    try {
+        return work();
+    } catch (const DataError&) {
+        throw;
+    } catch (const jet::Error& error) {
+        throw DataError(error.what());
+    }
+}
+
 }  // namespace store

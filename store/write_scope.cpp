@@ -9,25 +9,13 @@ WriteScope::WriteScope(Recordset& recordset) {
     jet::Database* database = recordset.writableDatabase();
     if (database == nullptr)
         return;
-    try {
-        scope_.emplace(*database);
-    } catch (const DataError&) {
-        throw;
-    } catch (const jet::Error& error) {
-        throw DataError(error.what());
-    }
+    asDataError([&] { scope_.emplace(*database); });
 }
 
 void WriteScope::commit() {
     if (!scope_)
         return;
-    try {
-        scope_->commit();
-    } catch (const DataError&) {
-        throw;
-    } catch (const jet::Error& error) {
-        throw DataError(error.what());
-    }
+    asDataError([&] { scope_->commit(); });
 }
 
 }  // namespace store

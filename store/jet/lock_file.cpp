@@ -39,33 +39,32 @@ LockTimeouts& timeouts() {
     return value;
 }
 
-bool tryLock(int fd, short type, off_t byte) {
+// Sets one byte's lock without waiting: 0, or the system's error number.
+int setLock(int fd, short type, off_t byte) noexcept {
     struct flock lock {};
     lock.l_type = type;
     lock.l_whence = SEEK_SET;
     lock.l_start = byte;
     lock.l_len = 1;
     while (::fcntl(fd, kLockSet, &lock) != 0) {
-        if (errno == EINTR)
-            continue;
-        if (errno == EAGAIN || errno == EACCES)
-            return false;
-        throw Error(std::string("cannot lock the database's lock file: ") + std::strerror(errno));
+        if (errno != EINTR)
+            return errno;
     }
+    return 0;
+}
+
+bool tryLock(int fd, short type, off_t byte) {
+    const int failure = setLock(fd, type, byte);
+    if (failure == EAGAIN || failure == EACCES)
+        return false;
+    if (failure != 0)
+        throw Error(std::string("cannot lock the database's lock file: ") + std::strerror(failure));
     return true;
 }
 
 // Unlocks, or turns an exclusive lock shared: neither ever waits, and a
 // failure leaves a lock that goes with the descriptor anyway.
-void loosenLock(int fd, short type, off_t byte) noexcept {
-    struct flock lock {};
-    lock.l_type = type;
-    lock.l_whence = SEEK_SET;
-    lock.l_start = byte;
-    lock.l_len = 1;
-    while (::fcntl(fd, kLockSet, &lock) != 0 && errno == EINTR) {
-    }
-}
+void loosenLock(int fd, short type, off_t byte) noexcept { setLock(fd, type, byte); }
 
 // Tries again and again, at growing intervals, until the deadline: a lock
 // call that waits could not be given up.
