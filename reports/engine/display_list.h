@@ -43,7 +43,7 @@ struct BarcodeItem {
 using PageItem = std::variant<TextItem, FrameItem, ImageItem, BarcodeItem>;
 
 struct Page {
-    int width = 0;   // twips, landscape already applied
+    int width = 0;  // twips, landscape already applied
     int height = 0;
     std::vector<PageItem> items;  // in drawing order
 };

@@ -75,7 +75,9 @@ public:
     virtual void PageHeader_Format() {}
     virtual void Detail_Format() {}
     virtual void GroupFooter1_Format() {}
-    virtual void ActiveReport_QueryClose(int& cancel, int closeMode) { (void)cancel, (void)closeMode; }
+    virtual void ActiveReport_QueryClose(int& cancel, int closeMode) {
+        (void)cancel, (void)closeMode;
+    }
     virtual void ActiveReport_ToolbarClick(const QString& toolCaption) { (void)toolCaption; }
 
 signals:

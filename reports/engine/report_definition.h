@@ -36,9 +36,9 @@ struct Control {
     bool Visible = true;
     bool border = false;  // a thin frame around the box
     TextStyle style;
-    QString Caption;       // Label: its text
-    QString DataField;     // Field, Barcode: the bound column, or empty
-    QString Text;          // Field: its text, from the column or set by code; Barcode: the encoded text
+    QString Caption;    // Label: its text
+    QString DataField;  // Field, Barcode: the bound column, or empty
+    QString Text;  // Field: its text, from the column or set by code; Barcode: the encoded text
     QString OutputFormat;  // Field: a date format such as "dd-mmm-yyyy dddd", or empty
     QImage Picture;        // Picture: what is shown, fitted into the box; null shows nothing
 };
@@ -47,7 +47,7 @@ enum class BandKind { PageHeader, GroupHeader1, Detail, GroupFooter1, PageFooter
 
 struct Band {
     BandKind kind = BandKind::Detail;
-    int height = 0;  // twips; controls below it are cut off at the band's edge
+    int height = 0;                 // twips; controls below it are cut off at the band's edge
     std::vector<Control> controls;  // in drawing order
 };
 
@@ -74,7 +74,8 @@ struct ReportDefinition {
     QString title;  // the report's words for itself, e.g. in a PDF's title
     PageSetup page;
     std::vector<Band> bands;  // at most one of each kind
-    int detailColumns = 1;    // Detail laid out down, then across, in columns of printWidth / detailColumns
+    int detailColumns =
+        1;  // Detail laid out down, then across, in columns of printWidth / detailColumns
     ReportDataControl dataControl;
 };
 
