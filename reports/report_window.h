@@ -21,6 +21,15 @@ void clearDefaultInstance() {
     slot = nullptr;
 }
 
+// What closing a report window, or a report's close request, does to the
+// report class: stops the default instance (made for the purpose when there
+// is none) and drops it. Every error is ignored.
+template <class ReportClass>
+void releaseReport() {
+    kit::skip([] { shell::instance<ReportClass>().Stop(); });
+    kit::skip([] { clearDefaultInstance<ReportClass>(); });
+}
+
 // The frame every report window shares: a row of choices at the top and the
 // viewer `arv` under it, from left 0, top 360 twips, to the window's edges.
 // Closing the window unloads it; its next opening starts anew.
@@ -61,15 +70,6 @@ protected:
             arv->setReportSource(held);
         }
         arv->setZoom(-1);
-    }
-
-    // What closing a selector does to its report class: stops the default
-    // instance (made for the purpose when there is none) and drops it. Every
-    // error is ignored.
-    template <class ReportClass>
-    static void releaseReport() {
-        kit::skip([] { shell::instance<ReportClass>().Stop(); });
-        kit::skip([] { clearDefaultInstance<ReportClass>(); });
     }
 };
 

@@ -8,6 +8,7 @@
 #include <QProcess>
 #include <QVBoxLayout>
 
+#include "reports/selectors.h"
 #include "shell/clock.h"
 #include "shell/kit/connection_strings.h"
 #include "shell/kit/failure_modes.h"
@@ -247,6 +248,12 @@ QWidget* Form1::buildPermitArea() {
 
 void Form1::connectHandlers() {
     kit::on(cik, &QAction::triggered, this, [this] { cik_Click(); });
+    // The lists, each in its own window, shown and not waited for.
+    kit::on(izinliste, &QAction::triggered, this, [] { showWindow<reports::Form2>(); });
+    kit::on(yemekliste, &QAction::triggered, this, [] { showWindow<reports::Form3>(); });
+    kit::on(ucret, &QAction::triggered, this, [] { showWindow<reports::Form5>(); });
+    kit::on(gunliste, &QAction::triggered, this, [] { showWindow<reports::Form4>(); });
+    kit::on(gunucret, &QAction::triggered, this, [] { showWindow<reports::Form6>(); });
     kit::on(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
     kit::on(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
 

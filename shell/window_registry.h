@@ -27,6 +27,16 @@ bool isLoaded() {
     return !defaultInstanceSlot<Window>().isNull();
 }
 
+// The original's Show: loads the window when it is not, and brings it up
+// without waiting for it.
+template <class Window>
+void showWindow() {
+    Window& window = instance<Window>();
+    window.show();
+    window.raise();
+    window.activateWindow();
+}
+
 // The original's Unload: the window goes down and its instance with it.
 // The object itself goes when the event loop next runs, since the call may
 // come from inside one of its own handlers (the splash's timer).

@@ -3,6 +3,14 @@
 #include "shell/kit/app_path.h"
 
 namespace kit {
+namespace {
+
+QString& relativeDataSource() {
+    static QString source = QStringLiteral("kvl.mdb");
+    return source;
+}
+
+}  // namespace
 
 QString connectionString(const QString& dataSource) {
     return QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=") + dataSource +
@@ -11,7 +19,11 @@ QString connectionString(const QString& dataSource) {
 }
 
 QString relativeConnectionString() {
-    return connectionString(QStringLiteral("kvl.mdb"));
+    return connectionString(relativeDataSource());
+}
+
+void setRelativeDataSourceForTools(const QString& path) {
+    relativeDataSource() = path.isEmpty() ? QStringLiteral("kvl.mdb") : path;
 }
 
 QString absoluteConnectionString(const QString& fileName) {

@@ -15,6 +15,10 @@ QString connectionString(const QString& dataSource);
 // "kvl.mdb" with no path: every data control of the program uses it.
 QString relativeConnectionString();
 
+// A tool that runs the windows' data controls on a file of any name and
+// place (print-report) names it here; an empty text goes back to "kvl.mdb".
+void setRelativeDataSourceForTools(const QString& path);
+
 // The program's folder joined with "kvl.mdb" or "KVL.mdb", as each caller
 // spells it; the two name one file.
 QString absoluteConnectionString(const QString& fileName);

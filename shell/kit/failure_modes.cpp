@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <stdexcept>
 
 #include "shell/kit/message_box.h"
 #include "store/data_error.h"
@@ -11,9 +12,11 @@ namespace kit {
 namespace {
 
 // Errors of the data layer carry the provider's number, the engine's own
-// that of a failed command; anything else the platform's "invalid procedure
-// call".
+// that of a failed command; an arithmetic overflow is the runtime's 6,
+// anything else the platform's "invalid procedure call".
 QString errorNumber(const std::exception& error) {
+    if (dynamic_cast<const std::overflow_error*>(&error) != nullptr)
+        return QStringLiteral("6");
     if (dynamic_cast<const jet::Error*>(&error) == nullptr)
         return QStringLiteral("5");
     const auto* dataError = dynamic_cast<const store::DataError*>(&error);
@@ -62,7 +65,8 @@ void runTimeErrorReport(const std::exception& error) {
                              .arg(errorNumber(error), QString::fromUtf8(error.what()));
     std::fputs(text.toLocal8Bit().constData(), stderr);
     std::fputs("\n", stderr);
-    MsgBox(text, 16);
+    if (!messageBoxesUnattended())
+        MsgBox(text, 16);
     std::_Exit(1);
 }
 

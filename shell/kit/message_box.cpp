@@ -1,5 +1,7 @@
 #include "shell/kit/message_box.h"
 
+#include <cstdio>
+
 #include <QApplication>
 #include <QMessageBox>
 #include <QPushButton>
@@ -22,9 +24,26 @@ QMessageBox::Icon iconOf(int style) {
     }
 }
 
+bool unattended = false;
+
 }  // namespace
 
+void setMessageBoxesUnattended(bool value) {
+    unattended = value;
+}
+
+bool messageBoxesUnattended() {
+    return unattended;
+}
+
 int MsgBox(const QString& prompt, int style, const QString& title) {
+    if (unattended) {
+        std::fputs((title + QStringLiteral(": ") + prompt + QStringLiteral("\n"))
+                       .toLocal8Bit()
+                       .constData(),
+                   stderr);
+        return (style & 0x0f) == 4 ? vbYes : vbOK;
+    }
     QMessageBox box(iconOf(style), title, prompt, QMessageBox::NoButton,
                     QApplication::activeWindow());
     box.setAccessibleName(title);

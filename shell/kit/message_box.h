@@ -14,4 +14,9 @@ inline constexpr int vbNo = 7;
 
 int MsgBox(const QString& prompt, int style = 0, const QString& title = QStringLiteral("Sofravan"));
 
+// A run that nobody watches (a tool, not a window): every box is written to
+// standard error in its own words and answered with its default button.
+void setMessageBoxesUnattended(bool unattended);
+bool messageBoxesUnattended();
+
 }  // namespace kit

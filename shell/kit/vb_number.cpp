@@ -156,4 +156,11 @@ QString plainNumber(double value) {
     return QString::fromStdU16String(store::numberText(value));
 }
 
+qint16 addIntegers(qint16 left, qint16 right) {
+    const int sum = int{left} + int{right};
+    if (sum < -32768 || sum > 32767)
+        throw std::overflow_error("Overflow");
+    return static_cast<qint16>(sum);
+}
+
 }  // namespace kit

@@ -39,4 +39,8 @@ bool IsNumeric(QStringView text);
 // 1.5 gives "1,5", 12345678901 gives "12345678901" and 1E+15 "1E+15".
 QString plainNumber(double value);
 
+// The sum of two Integers, as the runtime adds 16-bit numbers: a sum beyond
+// -32,768 to 32,767 throws std::overflow_error (error 6, "Overflow").
+qint16 addIntegers(qint16 left, qint16 right);
+
 }  // namespace kit
