@@ -5,6 +5,7 @@
 #include <QMessageBox>
 #include <QTest>
 
+#include "reports/selectors.h"
 #include "shell/clock.h"
 #include "shell/form1.h"
 #include "shell/form9.h"
@@ -52,6 +53,16 @@ void type(QWidget* widget, const QString& text) {
     }
 }
 
+namespace {
+
+template <class Window>
+void deleteIfLoaded() {
+    if (shell::isLoaded<Window>())
+        delete &shell::instance<Window>();
+}
+
+}  // namespace
+
 void SchoolWindowTest::SetUp() {
     SKIP_WITHOUT_FIXTURES();
     folder_ = std::make_unique<SchoolFolder>(kvlFixture());
@@ -64,6 +75,11 @@ void SchoolWindowTest::TearDown() {
         delete &shell::instance<shell::Form9>();
     if (shell::isLoaded<shell::frmSplash>())
         delete &shell::instance<shell::frmSplash>();
+    deleteIfLoaded<reports::Form2>();
+    deleteIfLoaded<reports::Form3>();
+    deleteIfLoaded<reports::Form4>();
+    deleteIfLoaded<reports::Form5>();
+    deleteIfLoaded<reports::Form6>();
     // Windows unloaded during the test go with the events they left.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     shell::setTodayForTests(QDate());
