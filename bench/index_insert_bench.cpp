@@ -136,7 +136,8 @@ void BM_RosterEmptiedAndRefilled(benchmark::State& state) {
     for (auto _ : state) {
         std::vector<jet::RowId> rows;
         jet::TableCursor cursor = database.scan(table);
-        while (cursor.next()) rows.push_back(cursor.rowId());
+        while (cursor.next())
+            rows.push_back(cursor.rowId());
         database.deleteRows(u"ORNEK", rows);
         database.insertRows(u"ORNEK", students);
     }

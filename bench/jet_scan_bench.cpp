@@ -30,7 +30,8 @@ void BM_ScanMealLog(benchmark::State& state) {
         }
         benchmark::DoNotOptimize(values.data());
     }
-    state.counters["rows/s"] = benchmark::Counter(static_cast<double>(rows), benchmark::Counter::kIsRate);
+    state.counters["rows/s"] =
+        benchmark::Counter(static_cast<double>(rows), benchmark::Counter::kIsRate);
 }
 BENCHMARK(BM_ScanMealLog)->Unit(benchmark::kMillisecond);
 

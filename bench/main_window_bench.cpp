@@ -11,7 +11,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -24,6 +23,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/program_folder.h"
 #include "shell/clock.h"
 #include "shell/form1.h"
 #include "shell/kit/app_path.h"
@@ -33,21 +33,14 @@
 namespace {
 
 namespace fs = std::filesystem;
+using bench::freshTempFolder;
+using bench::ProgramFolder;
 
 const fs::path kLargeDatabase = fs::path(SOFRAVAN_FIXTURES_DIR) / "perf" / "kvl-546k.mdb";
 
 // A month outside the made-up school's term: no student has a permit for it
 // yet, so every Enter saves a row.
 const QDate kToday(2031, 1, 15);
-
-fs::path freshTempFolder(const std::string& stem) {
-    std::random_device seed;
-    for (;;) {
-        fs::path folder = fs::temp_directory_path() / (stem + "-" + std::to_string(seed()));
-        if (fs::create_directory(folder))
-            return folder;
-    }
-}
 
 // The made-up school: built once, on first use, unless the environment
 // names one. Empty with the reason in `why` when there is none.
@@ -83,29 +76,6 @@ const DemoSchool& demoSchool() {
     }();
     return school;
 }
-
-// A copy of a school's file in a folder of its own, which is the program's
-// folder and the working folder while the object lives.
-class ProgramFolder {
-public:
-    explicit ProgramFolder(const fs::path& database)
-        : folder_(freshTempFolder("sofravan-bench")), previous_(fs::current_path()) {
-        fs::copy_file(database, folder_ / "kvl.mdb");
-        fs::current_path(folder_);
-        kit::setAppPathForTests(QString::fromStdString(folder_.string()));
-    }
-    ~ProgramFolder() {
-        kit::setAppPathForTests(QString());
-        fs::current_path(previous_);
-        fs::remove_all(folder_);
-    }
-    ProgramFolder(const ProgramFolder&) = delete;
-    ProgramFolder& operator=(const ProgramFolder&) = delete;
-
-private:
-    fs::path folder_;
-    fs::path previous_;
-};
 
 // Counts the message boxes that come up and closes them, so that one
 // would show in the figures rather than stop the run.

@@ -37,20 +37,26 @@ void deletePermits(benchmark::State& state, bool inOneScope) {
         permits.open(u"select* from IZINLER", connection);
         state.ResumeTiming();
         std::optional<store::WriteScope> scope;
-        if (inOneScope) scope.emplace(permits);
+        if (inOneScope)
+            scope.emplace(permits);
         for (long i = 0; i < kDeletes; ++i) {
             permits.remove();
             permits.moveNext();
         }
-        if (scope) scope->commit();
+        if (scope)
+            scope->commit();
     }
     state.counters["deletes"] = kDeletes;
 }
 
-void BM_ThousandPermitDeletesInOneScope(benchmark::State& state) { deletePermits(state, true); }
+void BM_ThousandPermitDeletesInOneScope(benchmark::State& state) {
+    deletePermits(state, true);
+}
 BENCHMARK(BM_ThousandPermitDeletesInOneScope)->Unit(benchmark::kMillisecond)->Iterations(5);
 
-void BM_ThousandPermitDeletesEachDurable(benchmark::State& state) { deletePermits(state, false); }
+void BM_ThousandPermitDeletesEachDurable(benchmark::State& state) {
+    deletePermits(state, false);
+}
 BENCHMARK(BM_ThousandPermitDeletesEachDurable)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 }  // namespace

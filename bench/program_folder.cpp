@@ -1,0 +1,35 @@
+#include "bench/program_folder.h"
+
+#include <random>
+
+#include <QString>
+
+#include "shell/kit/app_path.h"
+
+namespace bench {
+
+namespace fs = std::filesystem;
+
+fs::path freshTempFolder(const std::string& stem) {
+    std::random_device seed;
+    for (;;) {
+        fs::path folder = fs::temp_directory_path() / (stem + "-" + std::to_string(seed()));
+        if (fs::create_directory(folder))
+            return folder;
+    }
+}
+
+ProgramFolder::ProgramFolder(const fs::path& database)
+    : folder_(freshTempFolder("sofravan-bench")), previous_(fs::current_path()) {
+    fs::copy_file(database, folder_ / "kvl.mdb");
+    fs::current_path(folder_);
+    kit::setAppPathForTests(QString::fromStdString(folder_.string()));
+}
+
+ProgramFolder::~ProgramFolder() {
+    kit::setAppPathForTests(QString());
+    fs::current_path(previous_);
+    fs::remove_all(folder_);
+}
+
+}  // namespace bench
