@@ -188,6 +188,11 @@ TEST_F(PeriodLists, DayWindowsListTheDayByClassNumberedThrough) {
     EXPECT_TRUE(day.contains(QStringLiteral(" 19/10/2026 PAZARTESİ GÜNÜ YEMEK YİYENLER LİSTESİ")));
     const std::vector<int> numbers = rowNumbers(day);
     EXPECT_EQ(numbers, oneTo(countWhere(meals, onDay("10/19/26 00:00:00"))));
+    // The window as the clerk sees it on a small screen.
+    form4.resize(1024, 768);
+    QTest::qWait(50);
+    EXPECT_TRUE(form4.grab().save(QStringLiteral(SOFRAVAN_SCREENSHOT_DIR "/gunyemek.png")));
+    EXPECT_EQ(form4.arv->geometry(), QRect(0, 24, 1024, 768 - 24));
     // One row per meal: the student who ate three times shows three times.
     EXPECT_EQ(day.count(QRegularExpression(QStringLiteral("\\s458\\s"))), 3);
     // Sorted by class, numbered through the classes without a restart.
