@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QCache>
 #include <QFontMetricsF>
 #include <QPaintEngine>
 #include <QTextLayout>
@@ -24,6 +25,8 @@ constexpr double kFrameTwips = kTwipsPerPoint / 2.0;
 // The bars keep at least this share of a barcode's height; the text below
 // them is made smaller when the box is too low for both.
 constexpr double kBarsShare = 0.5;
+
+constexpr qsizetype kReductionsBytes = 64 * 1024 * 1024;
 
 QRectF twipsRect(const Box& box) {
     return {static_cast<double>(box.left), static_cast<double>(box.top),
@@ -98,6 +101,20 @@ void drawTwipsText(QPainter& painter, double scale, const QRectF& box, const QFo
     painter.restore();
 }
 
+// A picture reduced smoothly to the size it is shown at on a screen. The
+// view repaints the same pictures at the same size as it scrolls, so the
+// last reductions are kept.
+QImage reduced(const QImage& image, QSize size) {
+    static QCache<QString, QImage> reductions(kReductionsBytes);
+    const QString key =
+        QStringLiteral("%1 %2x%3").arg(image.cacheKey()).arg(size.width()).arg(size.height());
+    if (const QImage* kept = reductions.object(key))
+        return *kept;
+    QImage made = image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    reductions.insert(key, new QImage(made), made.sizeInBytes());
+    return made;
+}
+
 struct ItemPainter {
     QPainter& painter;
     double scale;  // device pixels per twip
@@ -144,8 +161,7 @@ struct ItemPainter {
         const bool raster = painter.paintEngine() != nullptr &&
                             painter.paintEngine()->type() == QPaintEngine::Raster;
         if (raster && item.image.width() > 2 * size.width())
-            painter.drawImage(
-                target, item.image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+            painter.drawImage(target, reduced(item.image, size));
         else
             painter.drawImage(target, item.image);
         painter.restore();
