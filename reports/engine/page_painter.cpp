@@ -22,6 +22,9 @@ namespace {
 // A frame is half a point wide, and never thinner than one device pixel.
 constexpr double kFrameTwips = kTwipsPerPoint / 2.0;
 
+// Text stands this far in from the left and right edges of its box.
+constexpr double kTextPaddingTwips = 30;
+
 // The bars keep at least this share of a barcode's height; the text below
 // them is made smaller when the box is too low for both.
 constexpr double kBarsShare = 0.5;
@@ -122,8 +125,10 @@ struct ItemPainter {
     void operator()(const TextItem& item) const {
         if (item.text.isEmpty() || item.box.width <= 0 || item.box.height <= 0)
             return;
-        drawTwipsText(painter, scale, twipsRect(item.box),
-                      twipsFont(reportFont(item.style), item.style.pointSize),
+        // A little room at each side keeps the text off the frame's lines.
+        const QRectF box =
+            twipsRect(item.box).adjusted(kTextPaddingTwips, 0, -kTextPaddingTwips, 0);
+        drawTwipsText(painter, scale, box, twipsFont(reportFont(item.style), item.style.pointSize),
                       reportLine(item.style.pointSize), item.style.alignment, item.text);
     }
 
