@@ -3,6 +3,7 @@
 #include <memory>
 #include <vector>
 
+#include <QDeadlineTimer>
 #include <QObject>
 #include <QString>
 #include <QStringView>
@@ -45,17 +46,24 @@ public:
     const ReportDefinition& definition() const { return definition_; }
 
     // Runs the report to its end at once, without showing it (the
-    // original's Run). Throws what a handler or the data throws; the pages
-    // made until then stay.
+    // original's Run): a run under way in slices is finished, otherwise a
+    // new one begins. Throws what a handler or the data throws; the pages
+    // finished until then stay and the run is over. Called from inside the
+    // report's own handlers it throws std::logic_error.
     void Run();
     // Begins a run in slices on the event loop (see ReportRunner); pages are
     // announced as they are finished. A failure goes to the run-time error
-    // report, as an unhandled error of the report's handlers does.
+    // report, as an unhandled error of the report's handlers does. A run
+    // under way goes on, and a report that has run keeps its pages: starting
+    // it again does nothing.
     void start();
-    // Ends a running report; the pages made so far stay. Without a run it
-    // does nothing.
+    // Ends a running report; the pages finished so far stay, the one being
+    // filled is dropped, finished() is emitted. Without a run it does
+    // nothing. From inside a handler the record under way is laid out
+    // first.
     void Stop();
-    // Drops the pages and runs again from the start, in slices.
+    // Drops the pages and runs again from the start, in slices, on the same
+    // object: its handlers run again.
     void Restart();
     bool running() const;
     bool done() const { return done_; }
@@ -65,8 +73,12 @@ public:
 
     // Lays out until the deadline (a QDeadlineTimer's remaining time, in ms)
     // passes or the report ends; true while more remains. The runner calls
-    // it. Throws what a handler or the data throws.
+    // it. Throws what a handler or the data throws, and std::logic_error when
+    // called from inside the report's own handlers.
     bool step(qint64 budgetMs);
+    // Whether the report's layout is on the stack: a handler runs, or a
+    // message box opened by one is being answered.
+    bool layingOut() const { return layingOut_; }
 
     // Events, under the system's names. The base does nothing.
     virtual void ActiveReport_Initialize() {}
@@ -86,20 +98,37 @@ signals:
 
 private:
     friend class PageBuilder;
+    friend void unload(Report* report);
     void beginRun();
+    bool layOut(const QDeadlineTimer& deadline);
     void addPage(Page page);
     void endRun();
+    void abandonRun();
+    void settle();
 
     ReportDefinition definition_;
     std::unique_ptr<PageBuilder> builder_;  // the run under way, or null
-    std::unique_ptr<ReportRunner> runner_;  // its slices on the event loop, or null
+    std::unique_ptr<ReportRunner> runner_;  // its slices on the event loop
     std::vector<Page> pages_;
     bool done_ = false;
+    // Laying out runs the report's handlers, and one of them may open a
+    // message box whose event loop lets the user stop, restart or unload
+    // the report meanwhile. The builder under way is not torn down then:
+    // what was asked is done when the layout returns.
+    bool layingOut_ = false;
+    bool stopPending_ = false;
+    bool restartPending_ = false;
+    bool deletePending_ = false;
 };
 
 // The original's Unload of a report object: asks it to close
 // (ActiveReport_QueryClose with close mode 1, from code) and, unless the
 // handler cancels, stops it and deletes it. Null does nothing.
+//
+// The report is deleted at once, so that code which assigns a new report
+// next never finds the old one. Only while its layout is on the stack (a
+// message box of one of its handlers lets the user choose again) is it
+// stopped now and deleted with deleteLater() when the layout returns.
 void unload(Report* report);
 
 }  // namespace engine

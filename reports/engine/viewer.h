@@ -4,10 +4,13 @@
 #include <QWidget>
 
 class QAction;
+class QComboBox;
+class QLineEdit;
 class QToolBar;
 
 namespace engine {
 
+class PageView;
 class Report;
 
 // The report viewer (`arv` on every report window): a tool bar with print,
@@ -41,9 +44,20 @@ public:
     // Prints the held report through the system's print dialog.
     void print();
 
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
+    QAction* addButton(const QString& text, const QString& name);
+    void pagesChanged();
+    void showPageNumber();
+    void goToTypedPage();
+
     QPointer<Report> report_;
     QToolBar* toolBar_ = nullptr;
+    QLineEdit* pageBox_ = nullptr;  // "n / total"
+    QComboBox* zoomBox_ = nullptr;
+    PageView* pageView_ = nullptr;
     int zoom_ = 100;
 };
 
