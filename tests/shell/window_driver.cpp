@@ -5,6 +5,7 @@
 #include <QMessageBox>
 #include <QTest>
 
+#include "reports/form7.h"
 #include "reports/selectors.h"
 #include "shell/clock.h"
 #include "shell/form1.h"
@@ -80,6 +81,7 @@ void SchoolWindowTest::TearDown() {
     deleteIfLoaded<reports::Form4>();
     deleteIfLoaded<reports::Form5>();
     deleteIfLoaded<reports::Form6>();
+    deleteIfLoaded<reports::Form7>();
     // Windows unloaded during the test go with the events they left.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     shell::setTodayForTests(QDate());
