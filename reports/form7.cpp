@@ -67,6 +67,11 @@ void Form7::Form_Load() {
 // The month's lookup cannot fail; every later step is passed over when it
 // fails, and the report is shown all the same.
 void Form7::Combo1_Click() {
+    Tally();
+    kit::skip([&] { showReport<puantaj>(); });
+}
+
+void Form7::Tally() {
     Text1->setText(monthNumberText(Combo1->currentText()));
     {
         const kit::BusyCursor busy;
@@ -94,7 +99,6 @@ void Form7::Combo1_Click() {
         kit::skip(
             [&] { Text2->setText(QString::fromStdU16String(firstRowTotal(Adodc2.Recordset()))); });
     }
-    kit::skip([&] { showReport<puantaj>(); });
 }
 
 // Its one statement stops a report variable of its own that never holds a

@@ -35,6 +35,9 @@ public:
 
     void Form_Load();
     void Combo1_Click();
+    // What a choice does before the report: the month's number into Text1,
+    // the month counted into TMP, the general total into Text2.
+    void Tally();
 
 protected:
     void Form_Unload() override;

@@ -18,7 +18,9 @@
 #include <QStringList>
 
 #include "reports/engine/page_output.h"
+#include "reports/form7.h"
 #include "reports/period_lists.h"
+#include "reports/puantaj.h"
 #include "reports/school_name.h"
 #include "reports/selectors.h"
 #include "shell/kit/connection_strings.h"
@@ -42,7 +44,8 @@ int fail(const QString& message) {
 
 const char* const kUsage =
     "kullanım: print-report DOSYA RAPOR [--month N | --day G.A.YYYY] ÇIKTI.pdf\n"
-    "raporlar: izinliler, yemekyiyenler, ucretvermeyen (--month), gunyemek, gunucret (--day)";
+    "raporlar: izinliler, yemekyiyenler, ucretvermeyen, puantaj (--month), gunyemek, gunucret "
+    "(--day)";
 
 // The school's name as the main window would have it, from AYAR.OKUL.
 QString schoolNameIn(const QString& connection) {
@@ -99,6 +102,13 @@ const ReportKind* findReport(const QString& name) {
         monthReport<reports::Form5, reports::ucretvermeyen>("ucretvermeyen"),
         dayReport<reports::Form4, reports::gunyemek>("gunyemek"),
         dayReport<reports::Form6, reports::gunucret>("gunucret"),
+        // The tally counts the month into TMP first, as its window does.
+        {"puantaj", true,
+         [](int month, QDate) {
+             chooseMonth<reports::Form7>(month);
+             shell::instance<reports::Form7>().Tally();
+             return std::make_unique<reports::puantaj>();
+         }},
     };
     for (const ReportKind& kind : kinds) {
         if (name == QLatin1String(kind.name))

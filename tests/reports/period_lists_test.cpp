@@ -251,6 +251,14 @@ TEST_F(PrintReport, WritesTheListOrSaysWhyNot) {
         "Şehit Öğretmen Anadolu Lisesi 19/10/2026 PAZARTESİ GÜNÜ YEMEK YİYENLER LİSTESİ")));
     EXPECT_FALSE(rowNumbers(day).empty());
 
+    // The tally counts the month into TMP first, as its window does.
+    EXPECT_EQ(run("puantaj --month 11 " + out("tally.pdf")), 0);
+    const QString tally =
+        QString::fromStdString(runCommand("pdftotext -layout " + out("tally.pdf") + " -"));
+    EXPECT_TRUE(tally.simplified().contains(
+        QStringLiteral("Şehit Öğretmen Anadolu Lisesi KASIM AYI YEMEK PUANTAJI")));
+    EXPECT_TRUE(tally.contains(QStringLiteral("GENEL TOPLAM")));
+
     std::string errors;
     EXPECT_EQ(run("puanlar --month 3 " + out("x.pdf"), &errors), 2);
     EXPECT_NE(errors.find("bilinmeyen rapor"), std::string::npos);
