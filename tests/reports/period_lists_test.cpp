@@ -4,51 +4,28 @@
 #include <QRegularExpression>
 #include <QTest>
 
-#include "reports/engine/page_output.h"
 #include "reports/period_lists.h"
 #include "reports/school_name.h"
 #include "reports/selectors.h"
 #include "shell/clock.h"
 #include "shell/form1.h"
 #include "store/jet/database.h"
+#include "tests/reports/report_reading.h"
 #include "tests/shell/window_driver.h"
 
 namespace {
 
 using jet::testing::runCommand;
 using jet::testing::shellQuote;
+using reports::testing::exported;
+using reports::testing::pick;
+using reports::testing::printedText;
+using reports::testing::Rows;
 using windows::testing::MessageBoxAnswerer;
 using windows::testing::SchoolWindowTest;
 
-using Rows = std::vector<QStringList>;
-
-// A table as mdbtools exports it, quotes taken off: the independent count.
-Rows exported(const std::filesystem::path& database, const char* table) {
-    const QString tsv = QString::fromStdString(
-        runCommand("mdb-export -d '\t' " + shellQuote(database.string()) + " " + table));
-    Rows rows;
-    for (const QString& line : tsv.split(u'\n', Qt::SkipEmptyParts).mid(1)) {
-        QStringList fields = line.split(u'\t');
-        for (QString& field : fields) {
-            if (field.startsWith(u'"') && field.endsWith(u'"'))
-                field = field.mid(1, field.size() - 2);
-        }
-        rows.push_back(fields);
-    }
-    return rows;
-}
-
 long countWhere(const Rows& rows, const std::function<bool(const QStringList&)>& keep) {
     return std::count_if(rows.begin(), rows.end(), keep);
-}
-
-// What a person reads on the pages of the report, once it has run out.
-QString printedText(engine::Report* report, const std::filesystem::path& folder) {
-    EXPECT_TRUE(QTest::qWaitFor([report] { return report->done(); }, 120000));
-    const QString pdf = QString::fromStdString((folder / "list.pdf").string());
-    EXPECT_EQ(engine::savePdf(report->pages(), pdf, QStringLiteral("liste")), QString());
-    return QString::fromStdString(
-        runCommand("pdftotext -layout " + shellQuote(pdf.toStdString()) + " -"));
 }
 
 // The numbers at the head of the printed rows, in print order.
@@ -65,13 +42,6 @@ std::vector<int> oneTo(long count) {
     std::vector<int> numbers(static_cast<std::size_t>(count));
     std::iota(numbers.begin(), numbers.end(), 1);
     return numbers;
-}
-
-void pick(kit::ComboBox* combo, const QString& entry) {
-    const int index = combo->findText(entry);
-    ASSERT_GE(index, 0);
-    combo->setCurrentIndex(index);
-    emit combo->activated(index);
 }
 
 class PeriodLists : public SchoolWindowTest {

@@ -1,12 +1,10 @@
 // The monthly tally through Form7, against the 93 filtered updates and 93
 // grouped queries it stands for, and the report puantaj as it prints.
 
-#include <QAbstractItemView>
 #include <QLocale>
 #include <QRegularExpression>
 #include <QTest>
 
-#include "reports/engine/page_output.h"
 #include "reports/form7.h"
 #include "reports/school_name.h"
 #include "shell/kit/connection_strings.h"
@@ -14,6 +12,7 @@
 #include "store/data_control.h"
 #include "store/jet/database.h"
 #include "store/sql/executor.h"
+#include "tests/reports/report_reading.h"
 #include "tests/shell/window_driver.h"
 
 namespace {
@@ -22,6 +21,10 @@ namespace fs = std::filesystem;
 using jet::testing::readRows;
 using jet::testing::runCommand;
 using jet::testing::shellQuote;
+using reports::testing::exported;
+using reports::testing::pick;
+using reports::testing::printedText;
+using reports::testing::Rows;
 using windows::testing::kvlFixture;
 using windows::testing::SchoolWindowTest;
 
@@ -78,25 +81,6 @@ void tallyLiterally(const fs::path& file, int month) {
     }
 }
 
-using Rows = std::vector<QStringList>;
-
-// A table as mdbtools exports it, quotes taken off.
-Rows exported(const fs::path& database, const char* table) {
-    const QString tsv =
-        QString::fromStdString(runCommand(std::string(MDB_EXPORT_EXECUTABLE) + " -d '\t' " +
-                                          shellQuote(database.string()) + " " + table));
-    Rows rows;
-    for (const QString& line : tsv.split(u'\n', Qt::SkipEmptyParts).mid(1)) {
-        QStringList fields = line.split(u'\t');
-        for (QString& field : fields) {
-            if (field.startsWith(u'"') && field.endsWith(u'"'))
-                field = field.mid(1, field.size() - 2);
-        }
-        rows.push_back(fields);
-    }
-    return rows;
-}
-
 // Rows as lines of text, for comparisons that print readably.
 std::string lines(const Rows& rows) {
     QString text;
@@ -120,18 +104,6 @@ std::array<std::array<int, 3>, 32> countedByHand(const Rows& meals, int month) {
         }
     }
     return counts;
-}
-
-// Picks the month in Combo1's list as a user does: the list dropped down,
-// a click on the entry.
-void chooseMonth(kit::ComboBox* combo, const QString& month) {
-    const int index = combo->findText(month);
-    ASSERT_GE(index, 0);
-    combo->showPopup();
-    QAbstractItemView* list = combo->view();
-    const QModelIndex entry = list->model()->index(index, 0);
-    list->scrollTo(entry);
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(entry).center());
 }
 
 class Tally : public SchoolWindowTest {
@@ -160,7 +132,7 @@ protected:
     // Chooses the month in the window and tallies the other copy the literal
     // way: TMP must export the same from both, and read the same with ours.
     Rows chooseAndCompare(const QString& month) {
-        chooseMonth(form_->Combo1, month);
+        pick(form_->Combo1, month);
         tallyLiterally(literalFile(), form_->Text1->text().toInt());
         const Rows tmp = exported(folder_->database(), "TMP");
         EXPECT_EQ(lines(tmp), lines(exported(literalFile(), "TMP"))) << month.toStdString();
@@ -251,16 +223,9 @@ TEST_F(Tally, Form7CountsAsTheNinetyThreeQueriesDo) {
 // What the report prints: the title, the heads, a row per day with the
 // breakfasts under "GÜN" too, the column sums and the window's general total.
 TEST_F(Tally, PuantajPrintsTmpWithItsSums) {
-    chooseMonth(form_->Combo1, QStringLiteral("KASIM"));
-    engine::Report* report = form_->arv->ReportSource();
-    ASSERT_NE(report, nullptr);
-    ASSERT_TRUE(QTest::qWaitFor([report] { return report->done(); }, 60000));
+    pick(form_->Combo1, QStringLiteral("KASIM"));
+    const QString text = printedText(form_->arv->ReportSource(), folder_->path(), "puantaj");
     const fs::path pdf = folder_->path() / "puantaj.pdf";
-    ASSERT_EQ(engine::savePdf(report->pages(), QString::fromStdString(pdf.string()),
-                              QStringLiteral("puantaj")),
-              QString());
-    const QString text =
-        QString::fromStdString(runCommand("pdftotext -layout " + shellQuote(pdf.string()) + " -"));
     EXPECT_TRUE(text.contains(QStringLiteral("Deneme Lisesi KASIM AYI YEMEK PUANTAJI")))
         << text.toStdString();
     EXPECT_TRUE(text.contains(
