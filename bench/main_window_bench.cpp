@@ -17,13 +17,12 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QMessageBox>
-#include <QStandardPaths>
 #include <QTest>
 #include <QTimer>
 
 #include <benchmark/benchmark.h>
 
-#include "bench/program_folder.h"
+#include "bench/window_bench.h"
 #include "shell/clock.h"
 #include "shell/form1.h"
 #include "shell/kit/app_path.h"
@@ -192,10 +191,8 @@ BENCHMARK(BM_EnterSavesPermit)->Unit(benchmark::kMillisecond);
 // Form_Load run and the window shown. The sample workbook that the first
 // start writes is there already, as after any earlier start.
 void BM_MainWindowStart(benchmark::State& state) {
-    if (!fs::exists(kLargeDatabase)) {
-        state.SkipWithError(("missing " + kLargeDatabase.string()).c_str());
+    if (bench::skipWithout(state, kLargeDatabase))
         return;
-    }
     ProgramFolder folder(kLargeDatabase);
     openMainWindow();
     closeMainWindow();
@@ -209,15 +206,3 @@ void BM_MainWindowStart(benchmark::State& state) {
 BENCHMARK(BM_MainWindowStart)->Unit(benchmark::kMillisecond);
 
 }  // namespace
-
-int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QStandardPaths::setTestModeEnabled(true);
-    const QApplication application(argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

@@ -11,6 +11,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/resident_memory.h"
 #include "store/connection.h"
 #include "store/recordset.h"
 
@@ -24,19 +25,6 @@ const std::string kConnectionString =
     "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + kLargeDatabase +
     ";Persist Security Info=True;Jet OLEDB:database Password=HtRvZpQsD2019;Mode=Read";
 
-// Resident memory of this process in bytes, from /proc/self/statm.
-double residentBytes() {
-    std::FILE* statm = std::fopen("/proc/self/statm", "r");
-    if (statm == nullptr)
-        return 0;
-    long pages = 0;
-    long resident = 0;
-    const int read = std::fscanf(statm, "%ld %ld", &pages, &resident);
-    std::fclose(statm);
-    return read == 2 ? static_cast<double>(resident) * static_cast<double>(sysconf(_SC_PAGESIZE))
-                     : 0;
-}
-
 void BM_OpenStaticYemek(benchmark::State& state) {
     if (!std::filesystem::exists(kLargeDatabase)) {
         state.SkipWithError(("missing " + kLargeDatabase).c_str());
@@ -47,12 +35,12 @@ void BM_OpenStaticYemek(benchmark::State& state) {
     long rows = 0;
     double held = 0;
     for (auto _ : state) {
-        const double before = residentBytes();
+        const double before = bench::residentBytes();
         store::Recordset recordset;
         recordset.open(u"select* from yemek", connection, store::CursorType::Static);
         rows = recordset.recordCount();
         state.PauseTiming();
-        held = std::max(held, residentBytes() - before);
+        held = std::max(held, bench::residentBytes() - before);
         recordset.close();
         // Freed memory goes back to the system, so that every run pays for
         // fresh pages as the program's one open does.

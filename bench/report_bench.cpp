@@ -9,14 +9,11 @@
 // skips, saying why, when its file is absent.
 
 #include <filesystem>
-#include <fstream>
-
-#include <QApplication>
-#include <QStandardPaths>
 
 #include <benchmark/benchmark.h>
 
-#include "bench/program_folder.h"
+#include "bench/resident_memory.h"
+#include "bench/window_bench.h"
 #include "reports/engine/page_output.h"
 #include "reports/period_lists.h"
 #include "reports/school_name.h"
@@ -29,6 +26,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using bench::ProgramFolder;
+using bench::skipWithout;
+using bench::waitFor;
 
 const fs::path kFixtures(SOFRAVAN_FIXTURES_DIR);
 const fs::path kLargeDatabase = kFixtures / "perf" / "kvl-546k.mdb";
@@ -38,25 +37,9 @@ const fs::path kSchoolDatabase = kFixtures / "kvl" / "kvl.mdb";
 // change of the date.
 const QDate kBusyDays[] = {QDate(2026, 11, 12), QDate(2025, 10, 21)};
 
-bool skipWithout(benchmark::State& state, const fs::path& file) {
-    if (fs::exists(file))
-        return false;
-    state.SkipWithError(("missing " + file.string()).c_str());
-    return true;
-}
-
-void waitFor(const std::function<bool()>& ready) {
-    while (!ready())
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-}
-
 // The resident memory of the process, in megabytes.
 double residentMegabytes() {
-    std::ifstream statm("/proc/self/statm");
-    long pages = 0;
-    long resident = 0;
-    statm >> pages >> resident;
-    return static_cast<double>(resident) * 4096 / (1024 * 1024);
+    return bench::residentBytes() / (1024 * 1024);
 }
 
 // Picks the day in the day window and waits for the report to reach the
@@ -153,15 +136,3 @@ void BM_MonthOf32000MealsLaidOut(benchmark::State& state) {
 BENCHMARK(BM_MonthOf32000MealsLaidOut)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 }  // namespace
-
-int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QStandardPaths::setTestModeEnabled(true);
-    const QApplication application(argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

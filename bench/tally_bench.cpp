@@ -8,14 +8,10 @@
 // the fixture, and skips without it.
 
 #include <filesystem>
-#include <functional>
-
-#include <QApplication>
-#include <QStandardPaths>
 
 #include <benchmark/benchmark.h>
 
-#include "bench/program_folder.h"
+#include "bench/window_bench.h"
 #include "reports/form7.h"
 #include "reports/school_name.h"
 #include "reports/tally.h"
@@ -27,20 +23,10 @@ namespace {
 
 namespace fs = std::filesystem;
 using bench::ProgramFolder;
+using bench::skipWithout;
+using bench::waitFor;
 
 const fs::path kLargeDatabase = fs::path(SOFRAVAN_FIXTURES_DIR) / "perf" / "kvl-546k.mdb";
-
-bool skipWithoutDatabase(benchmark::State& state) {
-    if (fs::exists(kLargeDatabase))
-        return false;
-    state.SkipWithError(("missing " + kLargeDatabase.string()).c_str());
-    return true;
-}
-
-void waitFor(const std::function<bool()>& ready) {
-    while (!ready())
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-}
 
 const std::u16string kWholeLogGrouped =
     u"SELECT Count(yemek.gunduzlu) AS Saygunduzlu, yemek.gun, yemek.ay, "
@@ -50,7 +36,7 @@ const std::u16string kWholeLogGrouped =
 // The executor's grouping of the whole log, its kept groups forgotten
 // before each run: the price of the first of the 93 queries.
 void BM_GroupedQueryWholeLog(benchmark::State& state) {
-    if (skipWithoutDatabase(state))
+    if (skipWithout(state, kLargeDatabase))
         return;
     const ProgramFolder folder(kLargeDatabase);
     jet::Database database(folder.database().string());
@@ -66,7 +52,7 @@ BENCHMARK(BM_GroupedQueryWholeLog)->Unit(benchmark::kMillisecond);
 // The tally's own pass: the table cursor, the numbers of every row and the
 // meal's text of the month's day students only.
 void BM_CountMealsByCursor(benchmark::State& state) {
-    if (skipWithoutDatabase(state))
+    if (skipWithout(state, kLargeDatabase))
         return;
     const ProgramFolder folder(kLargeDatabase);
     jet::Database database(folder.database().string());
@@ -87,7 +73,7 @@ BENCHMARK(BM_CountMealsByCursor)->Unit(benchmark::kMillisecond);
 // tally written into TMP, the report's first page painted in the viewer.
 // November and October in turn, so that each choice changes TMP.
 void BM_ChoiceToReportOnScreen(benchmark::State& state) {
-    if (skipWithoutDatabase(state))
+    if (skipWithout(state, kLargeDatabase))
         return;
     const ProgramFolder folder(kLargeDatabase);
     reports::setSchoolNameWithoutMainWindow(QStringLiteral("Okul"));
@@ -114,15 +100,3 @@ void BM_ChoiceToReportOnScreen(benchmark::State& state) {
 BENCHMARK(BM_ChoiceToReportOnScreen)->Unit(benchmark::kMillisecond);
 
 }  // namespace
-
-int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QStandardPaths::setTestModeEnabled(true);
-    const QApplication application(argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

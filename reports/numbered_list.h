@@ -1,6 +1,7 @@
 #pragma once
 
 #include "reports/engine/report.h"
+#include "reports/report_window.h"
 
 namespace reports {
 
@@ -21,6 +22,20 @@ protected:
 
 private:
     qint16 counter_ = 0;
+};
+
+// A list of its own class: a close request stops and drops the class's
+// default instance, every error ignored.
+template <class Self>
+class ListReport : public NumberedList {
+public:
+    void ActiveReport_QueryClose(int& /*cancel*/, int /*closeMode*/) override {
+        releaseReport<Self>();
+    }
+
+protected:
+    ListReport(engine::ReportDefinition definition, QObject* parent)
+        : NumberedList(std::move(definition), parent) {}
 };
 
 // The layout of the permit list, and the one the four lists of the meal

@@ -2,7 +2,6 @@
 
 #include <QLocale>
 
-#include "reports/report_window.h"
 #include "reports/school_name.h"
 #include "reports/selectors.h"
 
@@ -36,7 +35,7 @@ QString dayTitle(const DaySelector& window, const QString& tail) {
 
 }  // namespace
 
-izinliler::izinliler(QObject* parent) : NumberedList(permitListDesign(), parent) {}
+izinliler::izinliler(QObject* parent) : ListReport(permitListDesign(), parent) {}
 
 void izinliler::ActiveReport_ReportStart() {
     DataControl1.Source = QStringLiteral("select* from IZINLER where ay=") +
@@ -49,11 +48,7 @@ void izinliler::PageHeader_Format() {
         monthTitle(shell::instance<Form2>(), QStringLiteral(" AYI YEMEK İZNİ OLANLAR LİSTESİ"));
 }
 
-void izinliler::ActiveReport_QueryClose(int& /*cancel*/, int /*closeMode*/) {
-    releaseReport<izinliler>();
-}
-
-yemekyiyenler::yemekyiyenler(QObject* parent) : NumberedList(mealListDesign(), parent) {}
+yemekyiyenler::yemekyiyenler(QObject* parent) : ListReport(mealListDesign(), parent) {}
 
 void yemekyiyenler::ActiveReport_ReportStart() {
     DataControl1.Source = QStringLiteral("select* from yemek where ay=") +
@@ -66,11 +61,7 @@ void yemekyiyenler::PageHeader_Format() {
         monthTitle(shell::instance<Form3>(), QStringLiteral(" AYI YEMEK YİYENLER LİSTESİ"));
 }
 
-void yemekyiyenler::ActiveReport_QueryClose(int& /*cancel*/, int /*closeMode*/) {
-    releaseReport<yemekyiyenler>();
-}
-
-ucretvermeyen::ucretvermeyen(QObject* parent) : NumberedList(mealListDesign(), parent) {}
+ucretvermeyen::ucretvermeyen(QObject* parent) : ListReport(mealListDesign(), parent) {}
 
 void ucretvermeyen::ActiveReport_ReportStart() {
     DataControl1.Source = QStringLiteral("select* from yemek where ay=") +
@@ -84,11 +75,7 @@ void ucretvermeyen::PageHeader_Format() {
         monthTitle(shell::instance<Form5>(), QStringLiteral(" AYI ÜCRET VERMEYENLER LİSTESİ"));
 }
 
-void ucretvermeyen::ActiveReport_QueryClose(int& /*cancel*/, int /*closeMode*/) {
-    releaseReport<ucretvermeyen>();
-}
-
-gunyemek::gunyemek(QObject* parent) : NumberedList(mealListDesign(), parent) {}
+gunyemek::gunyemek(QObject* parent) : ListReport(mealListDesign(), parent) {}
 
 void gunyemek::ActiveReport_ReportStart() {
     const QString day = dateLiteral(shell::instance<Form4>().takvim->date());
@@ -101,11 +88,7 @@ void gunyemek::PageHeader_Format() {
         dayTitle(shell::instance<Form4>(), QStringLiteral(" GÜNÜ YEMEK YİYENLER LİSTESİ"));
 }
 
-void gunyemek::ActiveReport_QueryClose(int& /*cancel*/, int /*closeMode*/) {
-    releaseReport<gunyemek>();
-}
-
-gunucret::gunucret(QObject* parent) : NumberedList(mealListDesign(), parent) {}
+gunucret::gunucret(QObject* parent) : ListReport(mealListDesign(), parent) {}
 
 void gunucret::ActiveReport_ReportStart() {
     const QString day = dateLiteral(shell::instance<Form6>().takvim->date());
@@ -117,10 +100,6 @@ void gunucret::ActiveReport_ReportStart() {
 void gunucret::PageHeader_Format() {
     Label7->Caption =
         dayTitle(shell::instance<Form6>(), QStringLiteral(" GÜNÜ ÜCRET VERMEYENLER LİSTESİ"));
-}
-
-void gunucret::ActiveReport_QueryClose(int& /*cancel*/, int /*closeMode*/) {
-    releaseReport<gunucret>();
 }
 
 }  // namespace reports

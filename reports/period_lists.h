@@ -9,53 +9,43 @@ namespace reports {
 // and its name in Combo1, or the day in takvim.
 
 // Who may eat in a month (Form2).
-class izinliler : public NumberedList {
-    Q_OBJECT
+class izinliler : public ListReport<izinliler> {
 public:
     explicit izinliler(QObject* parent = nullptr);
     void ActiveReport_ReportStart() override;
     void PageHeader_Format() override;
-    void ActiveReport_QueryClose(int& cancel, int closeMode) override;
 };
 
 // Who ate in a month (Form3).
-class yemekyiyenler : public NumberedList {
-    Q_OBJECT
+class yemekyiyenler : public ListReport<yemekyiyenler> {
 public:
     explicit yemekyiyenler(QObject* parent = nullptr);
     void ActiveReport_ReportStart() override;
     void PageHeader_Format() override;
-    void ActiveReport_QueryClose(int& cancel, int closeMode) override;
 };
 
 // Who ate without paying in a month (Form5).
-class ucretvermeyen : public NumberedList {
-    Q_OBJECT
+class ucretvermeyen : public ListReport<ucretvermeyen> {
 public:
     explicit ucretvermeyen(QObject* parent = nullptr);
     void ActiveReport_ReportStart() override;
     void PageHeader_Format() override;
-    void ActiveReport_QueryClose(int& cancel, int closeMode) override;
 };
 
 // Who ate on a day, by class (Form4).
-class gunyemek : public NumberedList {
-    Q_OBJECT
+class gunyemek : public ListReport<gunyemek> {
 public:
     explicit gunyemek(QObject* parent = nullptr);
     void ActiveReport_ReportStart() override;
     void PageHeader_Format() override;
-    void ActiveReport_QueryClose(int& cancel, int closeMode) override;
 };
 
 // Who ate without paying on a day, by class (Form6).
-class gunucret : public NumberedList {
-    Q_OBJECT
+class gunucret : public ListReport<gunucret> {
 public:
     explicit gunucret(QObject* parent = nullptr);
     void ActiveReport_ReportStart() override;
     void PageHeader_Format() override;
-    void ActiveReport_QueryClose(int& cancel, int closeMode) override;
 };
 
 }  // namespace reports

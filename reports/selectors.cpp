@@ -1,16 +1,18 @@
 #include "reports/selectors.h"
 
-#include "reports/period_lists.h"
 #include "shell/clock.h"
 
 namespace reports {
 
-MonthSelector::MonthSelector(const QString& caption) : ReportWindow(caption) {
+// Each window loads as it is made: its controls, then Form_Load.
+MonthSelector::MonthSelector(const QString& name, const QString& caption) : ReportWindow(caption) {
+    setObjectName(name);
     const MonthChoice choice = addMonthChoice(this);
     Label1 = choice.Label1;
     Combo1 = choice.Combo1;
     Text1 = choice.Text1;
     kit::on(Combo1, &kit::ComboBox::Click, this, [this] { Combo1_Click(); });
+    Form_Load();
 }
 
 void MonthSelector::Form_Load() {
@@ -22,7 +24,8 @@ void MonthSelector::Combo1_Click() {
     showMonthReport();
 }
 
-DaySelector::DaySelector(const QString& caption) : ReportWindow(caption) {
+DaySelector::DaySelector(const QString& name, const QString& caption) : ReportWindow(caption) {
+    setObjectName(name);
     Label1 = new QLabel(QStringLiteral("Tarih"), this);
     Label1->setObjectName(QStringLiteral("Label1"));
     Label1->setGeometry(8, 2, 40, 20);
@@ -40,6 +43,7 @@ DaySelector::DaySelector(const QString& caption) : ReportWindow(caption) {
     Text1->setGeometry(190, 1, 40, 22);
     // Every change of the value is a pick, by the calendar or by the keys.
     kit::on(takvim, &QDateEdit::dateChanged, this, [this] { takvim_Change(); });
+    Form_Load();
 }
 
 void DaySelector::Form_Load() {
@@ -48,73 +52,12 @@ void DaySelector::Form_Load() {
     takvim->setDate(shell::today());
 }
 
-Form2::Form2() : MonthSelector(QStringLiteral("Aylara göre yemek izni olanlar listesi")) {
-    setObjectName(QStringLiteral("Form2"));
+Form2::Form2()
+    : MonthList(QStringLiteral("Form2"), QStringLiteral("Aylara göre yemek izni olanlar listesi")) {
     Text2 = new QLineEdit(QStringLiteral("Text2"), this);
     Text2->setObjectName(QStringLiteral("Text2"));
     Text2->setAccessibleName(QStringLiteral("Text2"));
     Text2->setGeometry(260, 1, 40, 22);
-    Form_Load();
-}
-
-void Form2::showMonthReport() {
-    showReport<izinliler>();
-}
-
-void Form2::Form_Unload() {
-    releaseReport<izinliler>();
-}
-
-Form3::Form3() : MonthSelector(QStringLiteral("Aylara göre yemek yiyenler listesi")) {
-    setObjectName(QStringLiteral("Form3"));
-    Form_Load();
-}
-
-void Form3::showMonthReport() {
-    showReport<yemekyiyenler>();
-}
-
-void Form3::Form_Unload() {
-    releaseReport<yemekyiyenler>();
-}
-
-Form5::Form5() : MonthSelector(QStringLiteral("Aylara göre ücret vermeyenler listesi")) {
-    setObjectName(QStringLiteral("Form5"));
-    Form_Load();
-}
-
-void Form5::showMonthReport() {
-    showReport<ucretvermeyen>();
-}
-
-void Form5::Form_Unload() {
-    releaseReport<ucretvermeyen>();
-}
-
-Form4::Form4() : DaySelector(QStringLiteral("Günlere göre yemek yiyenler listesi")) {
-    setObjectName(QStringLiteral("Form4"));
-    Form_Load();
-}
-
-void Form4::takvim_Change() {
-    showReport<gunyemek>();
-}
-
-void Form4::Form_Unload() {
-    releaseReport<gunyemek>();
-}
-
-Form6::Form6() : DaySelector(QStringLiteral("Günlere göre ücret vermeyenler listesi")) {
-    setObjectName(QStringLiteral("Form6"));
-    Form_Load();
-}
-
-void Form6::takvim_Change() {
-    showReport<gunucret>();
-}
-
-void Form6::Form_Unload() {
-    releaseReport<gunucret>();
 }
 
 }  // namespace reports

@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QLineEdit>
 
+#include "reports/period_lists.h"
 #include "reports/report_window.h"
 
 namespace reports {
@@ -20,7 +21,7 @@ public:
     void Form_Load();
 
 protected:
-    explicit MonthSelector(const QString& caption);
+    MonthSelector(const QString& name, const QString& caption);
     // Shows the window's report; Combo1_Click has written Text1 first.
     virtual void showMonthReport() = 0;
 
@@ -39,60 +40,60 @@ public:
     void Form_Load();
 
 protected:
-    explicit DaySelector(const QString& caption);
+    DaySelector(const QString& name, const QString& caption);
     // The date-picked event: shows the window's report.
     virtual void takvim_Change() = 0;
 };
 
-class Form2 : public MonthSelector {
-    Q_OBJECT
+// The selector of one list: a choice shows a fresh instance of the list,
+// closing the window releases the list's default instance.
+template <class ReportClass>
+class MonthList : public MonthSelector {
+protected:
+    using MonthSelector::MonthSelector;
+    void showMonthReport() override { showReport<ReportClass>(); }
+    void Form_Unload() override { releaseReport<ReportClass>(); }
+};
+
+template <class ReportClass>
+class DayList : public DaySelector {
+protected:
+    using DaySelector::DaySelector;
+    void takvim_Change() override { showReport<ReportClass>(); }
+    void Form_Unload() override { releaseReport<ReportClass>(); }
+};
+
+class Form2 : public MonthList<izinliler> {
 public:
     Form2();
-    QLineEdit* Text2;
-
-protected:
-    void showMonthReport() override;
-    void Form_Unload() override;
+    QLineEdit* Text2;  // no logic touches it
 };
 
-class Form3 : public MonthSelector {
-    Q_OBJECT
+class Form3 : public MonthList<yemekyiyenler> {
 public:
-    Form3();
-
-protected:
-    void showMonthReport() override;
-    void Form_Unload() override;
+    Form3()
+        : MonthList(QStringLiteral("Form3"), QStringLiteral("Aylara göre yemek yiyenler listesi")) {
+    }
 };
 
-class Form5 : public MonthSelector {
-    Q_OBJECT
+class Form5 : public MonthList<ucretvermeyen> {
 public:
-    Form5();
-
-protected:
-    void showMonthReport() override;
-    void Form_Unload() override;
+    Form5()
+        : MonthList(QStringLiteral("Form5"),
+                    QStringLiteral("Aylara göre ücret vermeyenler listesi")) {}
 };
 
-class Form4 : public DaySelector {
-    Q_OBJECT
+class Form4 : public DayList<gunyemek> {
 public:
-    Form4();
-
-protected:
-    void takvim_Change() override;
-    void Form_Unload() override;
+    Form4()
+        : DayList(QStringLiteral("Form4"), QStringLiteral("Günlere göre yemek yiyenler listesi")) {}
 };
 
-class Form6 : public DaySelector {
-    Q_OBJECT
+class Form6 : public DayList<gunucret> {
 public:
-    Form6();
-
-protected:
-    void takvim_Change() override;
-    void Form_Unload() override;
+    Form6()
+        : DayList(QStringLiteral("Form6"),
+                  QStringLiteral("Günlere göre ücret vermeyenler listesi")) {}
 };
 
 }  // namespace reports

@@ -15,6 +15,7 @@
 
 #include <gtest/gtest.h>
 
+#include "reports/engine/design.h"
 #include "reports/engine/report.h"
 #include "store/data_error.h"
 #include "store/jet/database.h"
@@ -51,23 +52,6 @@ private:
     jet::testing::TempDir dir_;
     std::string path_;
 };
-
-Control field(const QString& name, Box box, const QString& column = {}) {
-    Control control;
-    control.kind = ControlKind::Field;
-    control.name = name;
-    control.box = box;
-    control.DataField = column;
-    return control;
-}
-
-Control label(const QString& name, Box box, const QString& caption) {
-    Control control;
-    control.name = name;
-    control.box = box;
-    control.Caption = caption;
-    return control;
-}
 
 // A page of 6000 by 3000 twips: the header ends at 600, the footer begins
 // at 2600, so ten Details of 200 twips fill the page exactly. The group
@@ -255,18 +239,14 @@ TEST(ReportLayout, CardsFillThreeColumnsOfALandscapePage) {
     ReportDefinition definition;
     definition.page = {12240, 15840, true, 720, 720, 1080, 720, 14445};
     definition.detailColumns = 3;
-    Control photo;
-    photo.kind = ControlKind::Picture;
-    photo.name = "Image1";
-    photo.box = {3240, 1230, 992, 1220};
-    Control barcode = field("Barcode1", {992, 2320, 1984, 700}, "TCKimlikNo");
-    barcode.kind = ControlKind::Barcode;
+    const Control photo = picture("Image1", {3240, 1230, 992, 1220});
+    const Control code = barcode("Barcode1", {992, 2320, 1984, 700}, "TCKimlikNo");
     definition.bands = {{BandKind::PageHeader, 360, {}},
                         {BandKind::GroupHeader1, 0, {}},
                         {BandKind::Detail,
                          2880,
                          {field("Sira", {0, 0, 100, 100}),
-                          field("Ad", {1276, 1600, 1842, 284}, "Adi"), photo, barcode}},
+                          field("Ad", {1276, 1600, 1842, 284}, "Adi"), photo, code}},
                         {BandKind::GroupFooter1, 0, {field("Toplam", {0, 0, 1, 1})}},
                         {BandKind::PageFooter, 360, {}}};
     definition.dataControl.ConnectionString = file.connectionString();

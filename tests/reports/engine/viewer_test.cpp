@@ -14,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include "reports/engine/design.h"
 #include "reports/engine/report.h"
 #include "reports/engine/viewer.h"
 #include "shell/kit/connection_strings.h"
@@ -32,17 +33,14 @@ public:
 private:
     static ReportDefinition design(const std::filesystem::path& database) {
         ReportDefinition definition;
-        Control title;
-        title.box = {0, 0, 6000, 400};
-        title.Caption = QStringLiteral("ÖĞRENCİ LİSTESİ");
+        const Control title =
+            label(QStringLiteral("Label1"), {0, 0, 6000, 400}, QStringLiteral("ÖĞRENCİ LİSTESİ"));
         Band detail{BandKind::Detail, 300, {}};
         for (const char* column : {"Numara", "Adi", "Soyadi"}) {
-            Control field;
-            field.kind = ControlKind::Field;
-            field.name = QStringLiteral("Field%1").arg(detail.controls.size() + 1);
-            field.box = {static_cast<int>(detail.controls.size()) * 3000, 0, 3000, 300};
-            field.DataField = QString::fromLatin1(column);
-            detail.controls.push_back(field);
+            const int left = static_cast<int>(detail.controls.size()) * 3000;
+            detail.controls.push_back(
+                field(QStringLiteral("Field%1").arg(detail.controls.size() + 1),
+                      {left, 0, 3000, 300}, QString::fromLatin1(column)));
         }
         definition.bands = {{BandKind::PageHeader, 600, {title}}, detail};
         definition.dataControl = {kit::connectionString(QString::fromStdString(database.string())),

@@ -1,7 +1,8 @@
-#include "bench/program_folder.h"
+#include "bench/window_bench.h"
 
 #include <random>
 
+#include <QCoreApplication>
 #include <QString>
 
 #include "shell/kit/app_path.h"
@@ -30,6 +31,18 @@ ProgramFolder::~ProgramFolder() {
     kit::setAppPathForTests(QString());
     fs::current_path(previous_);
     fs::remove_all(folder_);
+}
+
+bool skipWithout(benchmark::State& state, const fs::path& file) {
+    if (fs::exists(file))
+        return false;
+    state.SkipWithError(("missing " + file.string()).c_str());
+    return true;
+}
+
+void waitFor(const std::function<bool()>& ready) {
+    while (!ready())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
 }
 
 }  // namespace bench

@@ -1,7 +1,13 @@
 #pragma once
 
+// What the benchmarks of real windows share: a folder for the school's file,
+// waiting for the event loop, and one main() that makes the application.
+
 #include <filesystem>
+#include <functional>
 #include <string>
+
+#include <benchmark/benchmark.h>
 
 namespace bench {
 
@@ -23,5 +29,12 @@ private:
     std::filesystem::path folder_;
     std::filesystem::path previous_;
 };
+
+// Skips the benchmark, saying why, when the file is absent.
+bool skipWithout(benchmark::State& state, const std::filesystem::path& file);
+
+// Turns the event loop until the condition holds: the report's slices and
+// the window's painting run meanwhile.
+void waitFor(const std::function<bool()>& ready);
 
 }  // namespace bench
