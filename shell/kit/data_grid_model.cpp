@@ -22,6 +22,16 @@ void DataGridModel::setColumns(QVector<GridColumn> columns) {
     reload();
 }
 
+void DataGridModel::setColumnVisible(int column, bool visible) {
+    if (column >= 0 && column < columns_.size())
+        columns_[column].visible = visible;
+}
+
+void DataGridModel::setColumnWidthTwips(int column, int twips) {
+    if (column >= 0 && column < columns_.size())
+        columns_[column].widthTwips = twips;
+}
+
 void DataGridModel::reload() {
     beginResetModel();
     ordinals_.clear();

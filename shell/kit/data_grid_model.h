@@ -23,6 +23,9 @@ public:
     DataControl* dataControl() const { return control_; }
     void setColumns(QVector<GridColumn> columns);
     const QVector<GridColumn>& columns() const { return columns_; }
+    // A column's look changed at run time; no repaint of the rows.
+    void setColumnVisible(int column, bool visible);
+    void setColumnWidthTwips(int column, int twips);
 
     bool allowUpdate = false;
     bool allowAddNew = false;
