@@ -265,12 +265,29 @@ TEST_F(MenuPreparation, PicksDishesIntoTheCurrentRow) {
     EXPECT_TRUE(reopen().List1->findItems(QStringLiteral("  SİMİT "), Qt::MatchExactly).isEmpty());
 }
 
+// A pick into a month without rows has no row to write into: the handler
+// has no error handling, so the run-time error report ends the program.
+TEST_F(MenuPreparation, PickWithoutARowEndsTheProgram) {
+    menuhazirla& window = open();
+    pick(window.Combo1, QStringLiteral("MART"));
+    ASSERT_EQ(window.TDBGrid1->model().rowCount(), 0);
+    EXPECT_EXIT(
+        {
+            MessageBoxAnswerer answerer;
+            doubleClick(window.List1, QStringLiteral("ÇAY"));
+        },
+        ::testing::ExitedWithCode(1), "Run-time error");
+}
+
 TEST_F(MenuPreparation, MealOptionsToolTipsAndScaling) {
     shell::setTodayForTests(QDate(2026, 11, 15));
     menuhazirla& window = open();
     kit::DataGrid* grid = window.TDBGrid1;
     const std::array<QListWidget*, 4> lists = {window.List1, window.List2, window.List3,
                                                window.List4};
+
+    // The hidden Command3: the weekday of 3 February 2020, a Monday.
+    press(window.Command3, QStringLiteral("Tamam"), {QStringLiteral("Pzt")});
 
     // Each meal option shows its column alone beside AY and GÜN, as wide as
     // the grid less 2500 twips, and leaves its pick list alone enabled.
