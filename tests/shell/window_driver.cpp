@@ -5,6 +5,7 @@
 #include <QMessageBox>
 #include <QTest>
 
+#include "menus/form16.h"
 #include "reports/form7.h"
 #include "reports/selectors.h"
 #include "shell/clock.h"
@@ -82,6 +83,7 @@ void SchoolWindowTest::TearDown() {
     deleteIfLoaded<reports::Form5>();
     deleteIfLoaded<reports::Form6>();
     deleteIfLoaded<reports::Form7>();
+    deleteIfLoaded<menus::Form16>();
     // Windows unloaded during the test go with the events they left.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     shell::setTodayForTests(QDate());
