@@ -136,15 +136,14 @@ void Form16::Command1_Click() {
     scope.emplace(days);
     const QString monthAndYear = QStringLiteral("/") + Text1->text() + QStringLiteral("/") +
                                  QString::number(shell::today().year());
+    // The count of days in floating point: 30.25 for a stray fifth row.
     const double dayCount = static_cast<double>(menu.recordCount()) / 4;
-    for (double day = 1; day <= dayCount; day += 1) {
+    for (int day = 1; day <= dayCount; ++day) {
         days.addNew();
         // Read day first; a day the month lacks (29 February in another
         // year) is refused here and ends the program.
-        days.setField(
-            u"TARIH",
-            jet::Value::text(
-                (QString::number(static_cast<int>(day)) + monthAndYear).toStdU16String()));
+        days.setField(u"TARIH",
+                      jet::Value::text((QString::number(day) + monthAndYear).toStdU16String()));
         const jet::Value date = days.field(u"TARIH");
         days.setField(
             u"GUN",

@@ -113,6 +113,7 @@ struct MenuRow {
 void addMenuRows(const fs::path& file, int month, const std::vector<MenuRow>& rows) {
     jet::Database database(file.string(), jet::PageFile::Mode::ReadWrite);
     std::vector<std::vector<jet::Value>> values;
+    values.reserve(rows.size());
     for (const MenuRow& row : rows)
         values.push_back({jet::Value::integer(month), jet::Value::integer(row.gun), cell(row.sabah),
                           cell(row.oglen), cell(row.aksam), cell(row.ara_ogun)});
