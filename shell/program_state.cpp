@@ -7,6 +7,8 @@ namespace shell {
 
 std::unique_ptr<store::Connection> baglanti;
 std::unique_ptr<store::Recordset> kayit;
+std::unique_ptr<store::Connection> baglanti2;
+std::unique_ptr<store::Recordset> kayit2;
 bool yenisurumvar = false;
 
 QString versionText() {

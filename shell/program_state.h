@@ -21,6 +21,12 @@ QString versionText();
 extern std::unique_ptr<store::Connection> baglanti;
 extern std::unique_ptr<store::Recordset> kayit;
 
+// The second pair: the connection of the roll-call program's file, and a
+// second scratch record set (the month menu print opens it on baglanti).
+// Their users create, close and set them to Nothing in the same way.
+extern std::unique_ptr<store::Connection> baglanti2;
+extern std::unique_ptr<store::Recordset> kayit2;
+
 // A newer version was announced; closing the main window starts the
 // updater.
 extern bool yenisurumvar;

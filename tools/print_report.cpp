@@ -17,6 +17,8 @@
 #include <QFileInfo>
 #include <QStringList>
 
+#include "menus/form16.h"
+#include "menus/yemekmenusu.h"
 #include "reports/engine/page_output.h"
 #include "reports/form7.h"
 #include "reports/period_lists.h"
@@ -44,8 +46,8 @@ int fail(const QString& message) {
 
 const char* const kUsage =
     "kullanım: print-report DOSYA RAPOR [--month N | --day G.A.YYYY] ÇIKTI.pdf\n"
-    "raporlar: izinliler, yemekyiyenler, ucretvermeyen, puantaj (--month), gunyemek, gunucret "
-    "(--day)";
+    "raporlar: izinliler, yemekyiyenler, ucretvermeyen, puantaj, yemekmenusu (--month), "
+    "gunyemek, gunucret (--day)";
 
 // The school's name as the main window would have it, from AYAR.OKUL.
 QString schoolNameIn(const QString& connection) {
@@ -109,6 +111,13 @@ const ReportKind* findReport(const QString& name) {
              shell::instance<reports::Form7>().Tally();
              return std::make_unique<reports::puantaj>();
          }},
+        // The month's menu is folded into TMPMENU first, as its window does.
+        {"yemekmenusu", true,
+         [](int month, QDate) {
+             chooseMonth<menus::Form16>(month);
+             shell::instance<menus::Form16>().Command1_Click();
+             return std::make_unique<menus::yemekmenusu>();
+         }},
     };
     for (const ReportKind& kind : kinds) {
         if (name == QLatin1String(kind.name))
@@ -167,9 +176,10 @@ int main(int argc, char* argv[]) {
                     QString::fromUtf8(error.what()));
     }
     kit::setRelativeDataSourceForTools(file);
-    const std::unique_ptr<engine::Report> report = kind->make(month, day);
-
-    // A failure of the run is the window's: the run-time error, status 1.
+    // A failure of the choice or of the run is the window's: the run-time
+    // error, status 1.
+    std::unique_ptr<engine::Report> report;
+    kit::bare([&] { report = kind->make(month, day); });
     kit::bare([&] { report->Run(); });
     const QString message = engine::savePdf(report->pages(), output, report->definition().title);
     if (!message.isEmpty())

@@ -5,6 +5,7 @@
 #include <QMessageBox>
 #include <QTest>
 
+#include "menus/form16.h"
 #include "menus/menuhazirla.h"
 #include "reports/form7.h"
 #include "reports/selectors.h"
@@ -84,6 +85,7 @@ void SchoolWindowTest::TearDown() {
     deleteIfLoaded<reports::Form6>();
     deleteIfLoaded<reports::Form7>();
     deleteIfLoaded<menus::menuhazirla>();
+    deleteIfLoaded<menus::Form16>();
     // Windows unloaded during the test go with the events they left.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     shell::setTodayForTests(QDate());
