@@ -8,6 +8,7 @@
 #include <QProcess>
 #include <QVBoxLayout>
 
+#include "menus/form13.h"
 #include "reports/selectors.h"
 #include "shell/clock.h"
 #include "shell/kit/connection_strings.h"
@@ -254,6 +255,7 @@ void Form1::connectHandlers() {
     kit::on(ucret, &QAction::triggered, this, [] { showWindow<reports::Form5>(); });
     kit::on(gunliste, &QAction::triggered, this, [] { showWindow<reports::Form4>(); });
     kit::on(gunucret, &QAction::triggered, this, [] { showWindow<reports::Form6>(); });
+    kit::on(excelal, &QAction::triggered, this, [] { showWindow<menus::Form13>(); });
     kit::on(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
     kit::on(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
 

@@ -41,6 +41,11 @@ void DataGrid::setAllowAddNew(bool allow) {
     model_.reload();
 }
 
+void DataGrid::setColumnWidthTwips(int column, int widthTwips) {
+    model_.setColumnWidth(column, widthTwips);
+    setColumnWidth(column, twipsToPixels(widthTwips));
+}
+
 void DataGrid::Refresh() {
     model_.reload();
 }

@@ -23,6 +23,9 @@ public:
     DataGridModel& model() { return model_; }
 
     void setAllowUpdate(bool allow) { model_.allowUpdate = allow; }
+    // A column's width from now on. Throws std::out_of_range for a column
+    // the grid lacks.
+    void setColumnWidthTwips(int column, int widthTwips);
     void setAllowAddNew(bool allow);
     bool allowDelete = false;
 

@@ -1,5 +1,9 @@
 #include "shell/kit/data_grid_model.h"
 
+#include <stdexcept>
+#include <string>
+#include <utility>
+
 #include "shell/kit/failure_modes.h"
 #include "shell/kit/message_box.h"
 #include "shell/kit/value_text.h"
@@ -19,11 +23,29 @@ void DataGridModel::setDataControl(DataControl* control) {
 
 void DataGridModel::setColumns(QVector<GridColumn> columns) {
     columns_ = std::move(columns);
+    designedColumns_ = !columns_.isEmpty();
     reload();
 }
 
 void DataGridModel::reload() {
     beginResetModel();
+    // A grid without designed columns shows every field of its source,
+    // headed by the field's name, as a grid bound at run time does.
+    // A width set at run time stays with its field.
+    if (!designedColumns_) {
+        QVector<GridColumn> previous = std::exchange(columns_, {});
+        if (control_ && control_->isOpen()) {
+            for (const std::u16string& name : control_->Recordset().fieldNames()) {
+                const QString field = QString::fromStdU16String(name);
+                GridColumn column = gridColumn(field, field);
+                for (const GridColumn& before : previous) {
+                    if (before.dataField == field)
+                        column.widthTwips = before.widthTwips;
+                }
+                columns_.push_back(column);
+            }
+        }
+    }
     ordinals_.clear();
     for (const GridColumn& column : columns_) {
         int ordinal = -1;
@@ -37,6 +59,12 @@ void DataGridModel::reload() {
         ordinals_.push_back(ordinal);
     }
     endResetModel();
+}
+
+void DataGridModel::setColumnWidth(int column, int widthTwips) {
+    if (column < 0 || column >= columns_.size())
+        throw std::out_of_range("the grid has no column " + std::to_string(column));
+    columns_[column].widthTwips = widthTwips;
 }
 
 int DataGridModel::recordCount() const {

@@ -21,8 +21,13 @@ public:
 
     void setDataControl(DataControl* control);
     DataControl* dataControl() const { return control_; }
+    // Without designed columns (none set, or an empty list) the grid shows
+    // every field of the source.
     void setColumns(QVector<GridColumn> columns);
     const QVector<GridColumn>& columns() const { return columns_; }
+    // The width a column keeps from now on, also over a refresh. Throws
+    // std::out_of_range for a column the grid lacks.
+    void setColumnWidth(int column, int widthTwips);
 
     bool allowUpdate = false;
     bool allowAddNew = false;
@@ -46,6 +51,7 @@ private:
 
     QPointer<DataControl> control_;
     QVector<GridColumn> columns_;
+    bool designedColumns_ = false;  // else columns_ follows the source's fields
     QVector<int> ordinals_;  // per column, the record set's field, or -1
 };
 

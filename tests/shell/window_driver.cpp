@@ -5,6 +5,8 @@
 #include <QMessageBox>
 #include <QTest>
 
+#include "menus/form13.h"
+#include "menus/form15.h"
 #include "reports/form7.h"
 #include "reports/selectors.h"
 #include "shell/clock.h"
@@ -82,6 +84,8 @@ void SchoolWindowTest::TearDown() {
     deleteIfLoaded<reports::Form5>();
     deleteIfLoaded<reports::Form6>();
     deleteIfLoaded<reports::Form7>();
+    deleteIfLoaded<menus::Form13>();
+    deleteIfLoaded<menus::Form15>();
     // Windows unloaded during the test go with the events they left.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     shell::setTodayForTests(QDate());
