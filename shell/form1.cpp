@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "menus/form13.h"
+#include "menus/menuhazirla.h"
 #include "reports/selectors.h"
 #include "shell/clock.h"
 #include "shell/kit/connection_strings.h"
@@ -256,6 +257,7 @@ void Form1::connectHandlers() {
     kit::on(gunliste, &QAction::triggered, this, [] { showWindow<reports::Form4>(); });
     kit::on(gunucret, &QAction::triggered, this, [] { showWindow<reports::Form6>(); });
     kit::on(excelal, &QAction::triggered, this, [] { showWindow<menus::Form13>(); });
+    kit::on(mnhzirla, &QAction::triggered, this, [] { showWindow<menus::menuhazirla>(); });
     kit::on(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
     kit::on(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
 

@@ -1,7 +1,11 @@
 #include "shell/kit/data_grid.h"
 
+#include <algorithm>
+
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QKeyEvent>
+#include <QToolTip>
 
 #include "shell/kit/message_box.h"
 
@@ -41,13 +45,30 @@ void DataGrid::setAllowAddNew(bool allow) {
     model_.reload();
 }
 
-void DataGrid::setColumnWidthTwips(int column, int widthTwips) {
-    model_.setColumnWidth(column, widthTwips);
-    setColumnWidth(column, twipsToPixels(widthTwips));
-}
-
 void DataGrid::Refresh() {
     model_.reload();
+}
+
+QString DataGrid::Text() const {
+    return model_.data(currentIndex(), Qt::DisplayRole).toString();
+}
+
+QString DataGrid::columnText(int column) const {
+    const int row = model_.currentRow();
+    if (row < 0)
+        return {};
+    return model_.data(model_.index(row, column), Qt::DisplayRole).toString();
+}
+
+void DataGrid::setColumnVisible(int column, bool visible) {
+    model_.setColumnVisible(column, visible);
+    setColumnHidden(column, !visible);
+}
+
+void DataGrid::setColumnWidthTwips(int column, int twips) {
+    twips = std::max(twips, 0);
+    model_.setColumnWidthTwips(column, twips);
+    setColumnWidth(column, twipsToPixels(twips));
 }
 
 void DataGrid::applyColumnLayout() {
@@ -109,6 +130,16 @@ void DataGrid::keyPressEvent(QKeyEvent* event) {
 void DataGrid::mouseDoubleClickEvent(QMouseEvent* event) {
     QTableView::mouseDoubleClickEvent(event);
     emit DblClick();
+}
+
+// A tool tip set on the grid by a handler shows over every cell; without
+// one the cells' own apply.
+bool DataGrid::viewportEvent(QEvent* event) {
+    if (event->type() == QEvent::ToolTip && !toolTip().isEmpty()) {
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), toolTip(), this);
+        return true;
+    }
+    return QTableView::viewportEvent(event);
 }
 
 }  // namespace kit

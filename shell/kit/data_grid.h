@@ -23,15 +23,24 @@ public:
     DataGridModel& model() { return model_; }
 
     void setAllowUpdate(bool allow) { model_.allowUpdate = allow; }
-    // A column's width from now on. Throws std::out_of_range for a column
-    // the grid lacks.
-    void setColumnWidthTwips(int column, int widthTwips);
     void setAllowAddNew(bool allow);
     bool allowDelete = false;
 
     // The original's Row and Col: the current cell, -1 without one.
     int Row() const { return currentIndex().row(); }
     int Col() const { return currentIndex().column(); }
+    // The original's Text: what the current cell shows, "" without one.
+    QString Text() const;
+    // The original's Columns(i).Text: what the column shows in the record
+    // set's current row, "" without one.
+    QString columnText(int column) const;
+
+    // The original's Columns(i).Visible and Columns(i).Width at run time;
+    // they outlast a reload. A negative width is taken as 0.
+    void setColumnVisible(int column, bool visible);
+    void setColumnWidthTwips(int column, int twips);
+    // The control's own width, in the window's units.
+    int widthTwips() const { return pixelsToTwips(width()); }
     // Repaints from the record set.
     void Refresh();
 
@@ -44,6 +53,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
 
 private:
     void applyColumnLayout();

@@ -1,7 +1,5 @@
 #include "shell/kit/data_grid_model.h"
 
-#include <stdexcept>
-#include <string>
 #include <utility>
 
 #include "shell/kit/failure_modes.h"
@@ -25,6 +23,16 @@ void DataGridModel::setColumns(QVector<GridColumn> columns) {
     columns_ = std::move(columns);
     designedColumns_ = !columns_.isEmpty();
     reload();
+}
+
+void DataGridModel::setColumnVisible(int column, bool visible) {
+    if (column >= 0 && column < columns_.size())
+        columns_[column].visible = visible;
+}
+
+void DataGridModel::setColumnWidthTwips(int column, int twips) {
+    if (column >= 0 && column < columns_.size())
+        columns_[column].widthTwips = twips;
 }
 
 void DataGridModel::reload() {
@@ -59,12 +67,6 @@ void DataGridModel::reload() {
         ordinals_.push_back(ordinal);
     }
     endResetModel();
-}
-
-void DataGridModel::setColumnWidth(int column, int widthTwips) {
-    if (column < 0 || column >= columns_.size())
-        throw std::out_of_range("the grid has no column " + std::to_string(column));
-    columns_[column].widthTwips = widthTwips;
 }
 
 int DataGridModel::recordCount() const {

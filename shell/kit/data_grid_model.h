@@ -25,9 +25,9 @@ public:
     // every field of the source.
     void setColumns(QVector<GridColumn> columns);
     const QVector<GridColumn>& columns() const { return columns_; }
-    // The width a column keeps from now on, also over a refresh. Throws
-    // std::out_of_range for a column the grid lacks.
-    void setColumnWidth(int column, int widthTwips);
+    // A column's look changed at run time; no repaint of the rows.
+    void setColumnVisible(int column, bool visible);
+    void setColumnWidthTwips(int column, int twips);
 
     bool allowUpdate = false;
     bool allowAddNew = false;

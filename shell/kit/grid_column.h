@@ -31,4 +31,8 @@ inline int twipsToPixels(int twips) {
     return twips / 15;
 }
 
+inline int pixelsToTwips(int pixels) {
+    return pixels * 15;
+}
+
 }  // namespace kit

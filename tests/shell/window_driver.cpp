@@ -7,6 +7,7 @@
 
 #include "menus/form13.h"
 #include "menus/form15.h"
+#include "menus/menuhazirla.h"
 #include "reports/form7.h"
 #include "reports/selectors.h"
 #include "shell/clock.h"
@@ -86,6 +87,7 @@ void SchoolWindowTest::TearDown() {
     deleteIfLoaded<reports::Form7>();
     deleteIfLoaded<menus::Form13>();
     deleteIfLoaded<menus::Form15>();
+    deleteIfLoaded<menus::menuhazirla>();
     // Windows unloaded during the test go with the events they left.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     shell::setTodayForTests(QDate());
