@@ -9,6 +9,7 @@
 #include "menus/school_year.h"
 #include "shell/kit/failure_modes.h"
 #include "shell/kit/message_box.h"
+#include "shell/kit/resizer.h"
 #include "shell/months.h"
 #include "shell/program_state.h"
 #include "store/data_error.h"
@@ -136,6 +137,8 @@ Form15::Form15()
     kit::on(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
     kit::on(Combo2, &kit::ComboBox::Click, this, [this] { Combo2_Click(); });
     resize(900, 620);
+    Resizer1 = new kit::Resizer(this);
+    Resizer1->setObjectName(QStringLiteral("Resizer1"));
     kit::openDataControl(Adodc2);
 }
 

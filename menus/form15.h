@@ -8,6 +8,7 @@
 #include "shell/kit/data_control.h"
 #include "shell/kit/data_grid.h"
 #include "shell/kit/navigation_bar.h"
+#include "shell/kit/resizer.h"
 
 namespace menus {
 
@@ -34,6 +35,7 @@ public:
     QLineEdit* Text2;       // hidden: the chosen month's number
     QLineEdit* Text3;       // hidden: the workbook's path
     QLineEdit* Text4;       // hidden: the sheet's name without "$"
+    kit::Resizer* Resizer1;
 
     void Command1_Click();
     void Command2_Click();
