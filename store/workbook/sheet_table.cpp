@@ -5,10 +5,17 @@
 #include <cmath>
 #include <cstdio>
 
+#include "store/jet/text.h"
+#include "store/workbook/workbook_error.h"
+
 namespace workbook {
 namespace {
 
 constexpr std::size_t kScanRows = 8;
+// A menu is some hundreds of cells; a sheet whose used range reaches far
+// beyond any menu (a stray cell at IV65536) is refused rather than spread
+// into millions of values.
+constexpr std::uint64_t kCellLimit = std::uint64_t{1} << 20;
 
 enum class ColumnKind { Number, Text, Boolean };
 
@@ -132,6 +139,13 @@ SheetTable readSheetTable(const Sheet& sheet, const std::optional<CellRange>& ra
         return table;
     }
     const std::uint32_t columns = area->lastColumn - area->firstColumn + 1;
+    const std::uint64_t cells = std::uint64_t{columns} * (area->lastRow - area->firstRow + 1);
+    if (cells > kCellLimit) {
+        throw WorkbookError(WorkbookError::Kind::Damaged,
+                            "the sheet " + jet::toUtf8(sheet.name) + " spans " +
+                                std::to_string(cells) + " cells, more than the " +
+                                std::to_string(kCellLimit) + " a table of a workbook may hold");
+    }
     const std::uint32_t firstDataRow = headerRow ? area->firstRow + 1 : area->firstRow;
     std::vector<ColumnKind> kinds;
     for (std::uint32_t c = 0; c < columns; ++c) {

@@ -29,6 +29,8 @@ namespace workbook {
 //   that does not fit its column's type, an error and a missing cell read as
 //   Null; an empty text in a text column reads as an empty text.
 // - A sheet without any value is one column F1 without rows.
+// - A range of more than 2^20 cells (rows times columns) throws
+//   WorkbookError (Damaged): no menu comes near it.
 struct SheetTable {
     std::vector<std::u16string> columnNames;
     std::vector<std::vector<jet::Value>> rows;
