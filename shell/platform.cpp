@@ -83,7 +83,10 @@ QString GetOsArchitecture() {
 }
 
 bool ShellExecuteOpen(const QString& file) {
-    return QDesktopServices::openUrl(QUrl::fromLocalFile(QDir::fromNativeSeparators(file)));
+    // Backslashes separate folders here too, as everywhere in the program.
+    QString path = file;
+    path.replace(u'\\', u'/');
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(QDir::cleanPath(path)));
 }
 
 void ProgramiKapat() {

@@ -46,10 +46,14 @@ void execute(const fs::path& database, const std::u16string& statement) {
     connection.Execute(statement);
 }
 
-// Walks Form13 to the workbook in the school's folder and picks the sheet.
-menus::Form13& chooseSheet(const QString& workbook, const QString& sheet) {
+// Walks Form13 to the workbook, in the school's folder unless another is
+// given, and picks the sheet.
+menus::Form13& chooseSheet(const QString& workbook, const QString& sheet,
+                           const fs::path& folder = {}) {
     shell::showWindow<menus::Form13>();
     menus::Form13& picker = shell::instance<menus::Form13>();
+    if (!folder.empty())
+        picker.Dir1->setPath(QString::fromStdString(folder.string()));
     const QList<QListWidgetItem*> found = picker.File1->findItems(workbook, Qt::MatchExactly);
     EXPECT_EQ(found.size(), 1) << workbook.toStdString();
     if (!found.isEmpty())
@@ -100,6 +104,7 @@ TEST_F(WorkbookImportTest, TemplateIntoAprilWithoutNoonFirstThenWhole) {
         sheets << picker.Combo1->itemText(index);
     EXPECT_EQ(sheets, (QStringList{"Men", "Sayfa1", "Sayfa2", "Sayfa3"}));
 
+    picker.grab().save(QStringLiteral(SOFRAVAN_SCREENSHOT_DIR "/form13.png"));
     menus::Form15& import = goOn(picker);
     EXPECT_EQ(import.Text4->text(), QStringLiteral("Sayfa1"));
     EXPECT_EQ(import.Combo2->currentText(), QStringLiteral("NİSAN"));
@@ -144,6 +149,7 @@ TEST_F(WorkbookImportTest, TemplateIntoAprilWithoutNoonFirstThenWhole) {
         EXPECT_EQ(answerer.seen.size(), 2);
         EXPECT_EQ(answerer.seen.value(1), QStringLiteral("Excel menüsü programa aktarıldı."));
     }
+    import.grab().save(QStringLiteral(SOFRAVAN_SCREENSHOT_DIR "/form15.png"));
     const Rows whole = monthRows(database, 4);
     ASSERT_EQ(whole.size(), 120u);
     for (std::size_t row = 0; row < whole.size(); ++row) {
@@ -182,7 +188,7 @@ TEST_F(WorkbookImportTest, OtherWorkbooksAndBadOnes) {
     EXPECT_EQ(picker.Combo1->currentText(), QStringLiteral("Sayfa adı seçiniz..."));
 
     // Two months: the first row's month is offered, the other chosen.
-    menus::Form15& import = goOn(chooseSheet(QStringLiteral("two-months.xls"), "Sayfa1"));
+    menus::Form15& import = goOn(chooseSheet(QStringLiteral("two-months.xls"), "Sayfa1", folder));
     EXPECT_EQ(import.Combo2->currentText(), QStringLiteral("KASIM"));
     EXPECT_EQ(import.DataGrid1->model().rowCount(), 120);
     reports::testing::pick(import.Combo2, QStringLiteral("ARALIK"));
@@ -199,7 +205,7 @@ TEST_F(WorkbookImportTest, OtherWorkbooksAndBadOnes) {
 
     // Thirty-one days for November: nothing limits the copy.
     menus::Form15& longMonth =
-        goOn(chooseSheet(QStringLiteral("thirty-one-days.xls"), QStringLiteral("Sayfa1")));
+        goOn(chooseSheet(QStringLiteral("thirty-one-days.xls"), QStringLiteral("Sayfa1"), folder));
     EXPECT_EQ(longMonth.Text1->text(), QStringLiteral("30"));
     {
         MessageBoxAnswerer answerer;
@@ -212,7 +218,7 @@ TEST_F(WorkbookImportTest, OtherWorkbooksAndBadOnes) {
     // A cell that does not fit its column's type arrives unset: the day of
     // data row 10 and the morning of data row 3.
     menus::Form15& mixed =
-        goOn(chooseSheet(QStringLiteral("type-change.xls"), QStringLiteral("Sayfa1")));
+        goOn(chooseSheet(QStringLiteral("type-change.xls"), QStringLiteral("Sayfa1"), folder));
     EXPECT_EQ(mixed.Combo2->currentText(), QStringLiteral("MAYIS"));
     {
         MessageBoxAnswerer answerer;

@@ -37,8 +37,10 @@ MessageBoxAnswerer::MessageBoxAnswerer(QString button) : button_(std::move(butto
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         if (box == nullptr || !box->isVisible())
             return;
-        for (QAbstractButton* candidate : box->buttons()) {
-            if (candidate->text() == button_) {
+        const QList<QAbstractButton*> buttons = box->buttons();
+        for (QAbstractButton* candidate : buttons) {
+            // A notice with one button is acknowledged whatever the answer.
+            if (candidate->text() == button_ || buttons.size() == 1) {
                 seen << box->text();
                 candidate->click();
                 return;
