@@ -8,6 +8,7 @@
 #include <QProcess>
 #include <QVBoxLayout>
 
+#include "menus/form13.h"
 #include "menus/form16.h"
 #include "menus/menuhazirla.h"
 #include "reports/selectors.h"
@@ -256,6 +257,7 @@ void Form1::connectHandlers() {
     kit::on(ucret, &QAction::triggered, this, [] { showWindow<reports::Form5>(); });
     kit::on(gunliste, &QAction::triggered, this, [] { showWindow<reports::Form4>(); });
     kit::on(gunucret, &QAction::triggered, this, [] { showWindow<reports::Form6>(); });
+    kit::on(excelal, &QAction::triggered, this, [] { showWindow<menus::Form13>(); });
     kit::on(mnhzirla, &QAction::triggered, this, [] { showWindow<menus::menuhazirla>(); });
     kit::on(ymenulist, &QAction::triggered, this, [] { showWindow<menus::Form16>(); });
     kit::on(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });

@@ -4,12 +4,14 @@
 #include <memory>
 
 #include <QCoreApplication>
+#include <QDesktopServices>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QNetworkInformation>
 #include <QSettings>
 #include <QSysInfo>
+#include <QUrl>
 
 namespace shell {
 namespace {
@@ -78,6 +80,13 @@ QString GetOsArchitecture() {
     if (cpu == QStringLiteral("i386") || cpu == QStringLiteral("arm"))
         return QStringLiteral("32");
     return cpu;
+}
+
+bool ShellExecuteOpen(const QString& file) {
+    // Backslashes separate folders here too, as everywhere in the program.
+    QString path = file;
+    path.replace(u'\\', u'/');
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(QDir::cleanPath(path)));
 }
 
 void ProgramiKapat() {

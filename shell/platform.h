@@ -34,6 +34,11 @@ qint64 RegGetDword(RegistryRoot root, const QString& subKey, const QString& valu
 // platform tells neither.
 QString GetOsArchitecture();
 
+// The platform's ShellExecute with the verb "open": the file goes to the
+// application the desktop keeps for its kind, without waiting for it.
+// False when the desktop has none or refuses.
+bool ShellExecuteOpen(const QString& file);
+
 // Ends the own process at once, exit code 0: nothing is closed or saved.
 [[noreturn]] void ProgramiKapat();
 

@@ -24,6 +24,14 @@ public:
     // provider; "Mode=Read" opens for reading alone. Throws DataError when
     // the connection is already open (it stays open as it was), and for a
     // string not understood, a file missing or damaged, a wrong password.
+    //
+    // Two strings open an Excel 97-2003 workbook (a WorkbookSource, read
+    // alone) instead: the ODBC one, "Provider=MSDASQL.1;Extended
+    // Properties=DBQ=<file>;...;Driver={Microsoft Excel Driver (*.xls)};...",
+    // its first row naming the columns; and the Jet one with "Extended
+    // Properties=\"Excel 8.0;HDR=NO;\"" (HDR=YES, the default, names the
+    // columns by the first row). A workbook that cannot be read throws
+    // workbook::WorkbookError, a DataError with a kind.
     void Open(std::string_view connectionString);
     // Lets go of the source; record sets opened on the connection keep it.
     // Throws DataError when the connection is not open.

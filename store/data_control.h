@@ -25,6 +25,10 @@ public:
     // included.
     std::function<void()> onMoveComplete;
 
+    // A connection string set at run time: the connection goes, and the next
+    // Refresh opens the new one. The record set stays until then.
+    void setConnectionString(std::string text);
+
     // Runs the record source again: a new record set, the first row current,
     // filter and sort gone. Opens the connection on first use. A pending edit
     // of the old record set is written first. Throws DataError.

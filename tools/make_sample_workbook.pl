@@ -1,21 +1,22 @@
 #!/usr/bin/perl
-# make_sample_workbook.pl OUTPUT.xls
+# make_sample_workbook.pl OUTPUT.xls [DAYS]
 #
 # Writes the sample menu workbook that the program carries: an Excel 97
 # (BIFF8) file with the sheets Sayfa1, Sayfa2 and Sayfa3. Sayfa1 holds a
 # header row and a made-up April, four rows a day, one line of each meal a
 # row; the other two sheets are empty. The dishes follow fixed rotations, so
-# every run writes the same cells.
+# every run writes the same cells. DAYS (30 when not given) makes a longer
+# sheet for measuring: day blocks past the month's end, all in April.
 
 use strict;
 use warnings;
 use utf8;
 use Spreadsheet::WriteExcel;
 
-die "usage: perl make_sample_workbook.pl OUTPUT.xls\n" unless @ARGV == 1;
+die "usage: perl make_sample_workbook.pl OUTPUT.xls [DAYS]\n" unless @ARGV == 1 || @ARGV == 2;
 
 my $month = 4;
-my $days  = 30;
+my $days  = @ARGV == 2 ? $ARGV[1] : 30;
 
 # Rotations of the meals. Strings carry Perl's UTF-8 flag (use utf8), which
 # makes the writer store them as UTF-16 and keeps the Turkish letters.

@@ -29,6 +29,10 @@ void DataControl::setRecordSource(const QString& recordSource) {
     control_.recordSource = recordSource.toStdU16String();
 }
 
+void DataControl::setConnectionString(const QString& connectionString) {
+    control_.setConnectionString(connectionString.toStdString());
+}
+
 void DataControl::writePendingEdit() {
     if (isOpen())
         Recordset().leaveRow();

@@ -24,6 +24,9 @@ public:
     store::Recordset& Recordset() { return control_.recordset(); }
     QString Caption() const;
     void setRecordSource(const QString& recordSource);
+    // Another source than the program's database (a workbook): taken at
+    // the next Refresh.
+    void setConnectionString(const QString& connectionString);
     // What happens to a pending edit when the window goes down: it is
     // written. Throws DataError.
     void writePendingEdit();

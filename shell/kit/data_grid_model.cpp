@@ -1,5 +1,7 @@
 #include "shell/kit/data_grid_model.h"
 
+#include <utility>
+
 #include "shell/kit/failure_modes.h"
 #include "shell/kit/message_box.h"
 #include "shell/kit/value_text.h"
@@ -19,6 +21,7 @@ void DataGridModel::setDataControl(DataControl* control) {
 
 void DataGridModel::setColumns(QVector<GridColumn> columns) {
     columns_ = std::move(columns);
+    designedColumns_ = !columns_.isEmpty();
     reload();
 }
 
@@ -34,6 +37,23 @@ void DataGridModel::setColumnWidthTwips(int column, int twips) {
 
 void DataGridModel::reload() {
     beginResetModel();
+    // A grid without designed columns shows every field of its source,
+    // headed by the field's name, as a grid bound at run time does.
+    // A width set at run time stays with its field.
+    if (!designedColumns_) {
+        QVector<GridColumn> previous = std::exchange(columns_, {});
+        if (control_ && control_->isOpen()) {
+            for (const std::u16string& name : control_->Recordset().fieldNames()) {
+                const QString field = QString::fromStdU16String(name);
+                GridColumn column = gridColumn(field, field);
+                for (const GridColumn& before : previous) {
+                    if (before.dataField == field)
+                        column.widthTwips = before.widthTwips;
+                }
+                columns_.push_back(column);
+            }
+        }
+    }
     ordinals_.clear();
     for (const GridColumn& column : columns_) {
         int ordinal = -1;

@@ -21,6 +21,8 @@ public:
 
     void setDataControl(DataControl* control);
     DataControl* dataControl() const { return control_; }
+    // Without designed columns (none set, or an empty list) the grid shows
+    // every field of the source.
     void setColumns(QVector<GridColumn> columns);
     const QVector<GridColumn>& columns() const { return columns_; }
     // A column's look changed at run time; no repaint of the rows.
@@ -49,6 +51,7 @@ private:
 
     QPointer<DataControl> control_;
     QVector<GridColumn> columns_;
+    bool designedColumns_ = false;  // else columns_ follows the source's fields
     QVector<int> ordinals_;  // per column, the record set's field, or -1
 };
 

@@ -16,6 +16,16 @@ struct GridColumn {
     QMap<QString, QString> valueItems;
 };
 
+// A plain column: caption, field and width.
+inline GridColumn gridColumn(const QString& caption, const QString& dataField,
+                             int widthTwips = 1500) {
+    GridColumn column;
+    column.caption = caption;
+    column.dataField = dataField;
+    column.widthTwips = widthTwips;
+    return column;
+}
+
 // Twips to pixels at the 96 dots per inch the original's windows assumed.
 inline int twipsToPixels(int twips) {
     return twips / 15;

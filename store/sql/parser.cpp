@@ -15,7 +15,7 @@ struct Token {
     enum class Kind { End, Word, Number, Text, Date, Symbol };
     Kind kind = Kind::End;
     std::u16string text;       // Word: the name; Symbol: the symbol; Text: the value
-    bool bracketed = false;    // Word written as [name]: never a keyword
+    bool bracketed = false;    // Word written as [name] or `name`: never a keyword
     jet::Value value;          // Number, Date
     std::size_t position = 0;  // offset in the statement, for messages
 };
@@ -81,10 +81,12 @@ private:
                 ++pos_;
             token_.kind = Token::Kind::Word;
             token_.text = std::u16string(text_.substr(start, pos_ - start));
-        } else if (c == u'[') {
-            std::size_t close = text_.find(u']', pos_);
+        } else if (c == u'[' || c == u'`') {
+            // [name] and `name` (as the ODBC drivers write names) hold any character.
+            const char16_t closing = c == u'[' ? u']' : u'`';
+            std::size_t close = text_.find(closing, pos_ + 1);
             if (close == std::u16string_view::npos)
-                fail("a name in [ ] is not closed");
+                fail(c == u'[' ? "a name in [ ] is not closed" : "a name in ` ` is not closed");
             token_.kind = Token::Kind::Word;
             token_.bracketed = true;
             token_.text = std::u16string(text_.substr(pos_ + 1, close - pos_ - 1));

@@ -29,7 +29,8 @@ private:
 };
 
 // Answers every message box that comes up while it lives with the button
-// of the given caption, as a user would, and keeps the texts it saw.
+// of the given caption, as a user would, and keeps the texts it saw. A box
+// with a single button is answered with that one.
 class MessageBoxAnswerer {
 public:
     explicit MessageBoxAnswerer(QString button = QStringLiteral("Tamam"));

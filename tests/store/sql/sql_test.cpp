@@ -518,6 +518,7 @@ TEST(Sql, StatementsOutsideTheSubsetFailNamingWhat) {
         {u"delete* from ORNEK where Count(Adi)=1", "HAVING"},
         {u"select* from ORNEK order by", "column"},
         {u"DROP TABLE ORNEK", "DROP"},
+        {u"select* from `Sayfa1$", "not closed"},
     };
     for (const Bad& b : bad) {
         SCOPED_TRACE(jet::toUtf8(b.sql));
@@ -529,6 +530,15 @@ TEST(Sql, StatementsOutsideTheSubsetFailNamingWhat) {
         }
     }
     EXPECT_EQ(jet::testing::readFileBytes(copy.path()), before);
+
+    // Back quotes, as the Excel driver's names are written, hold any character.
+    auto tableOf = [](std::u16string_view text) {
+        return std::get<sql::SelectStatement>(sql::parse(text)).table;
+    };
+    EXPECT_EQ(tableOf(u"select* from `Sayfa1$`"), u"Sayfa1$");
+    EXPECT_EQ(tableOf(u"select* from `'Kasım Menüsü$'`;"), u"'Kasım Menüsü$'");
+    const auto select = std::get<sql::SelectStatement>(sql::parse(u"select `from`, [ay] from `x`"));
+    EXPECT_EQ(select.items.at(0).value.column.name, u"from");
 }
 
 // The day list's date equality walks the index: a damaged data page that

@@ -1,0 +1,374 @@
+// Workbooks saved by an office suite, read as the menu import reads them:
+// through a connection of the ODBC kind and a record set on "Sayfa1$",
+// checked against what each fixture is known to hold and, where FreeXL can
+// open the file, cell by cell against FreeXL.
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <freexl.h>
+#include <gtest/gtest.h>
+
+#include "store/connection.h"
+#include "store/jet/text.h"
+#include "store/recordset.h"
+#include "store/workbook/table_names.h"
+#include "store/workbook/workbook.h"
+#include "store/workbook/workbook_error.h"
+#include "tests/store/jet/test_files.h"
+
+namespace store {
+namespace {
+
+using jet::Value;
+using workbook::WorkbookError;
+
+std::filesystem::path workbookFixture(const std::string& name) {
+    return jet::testing::fixturesDir() / "xls" / name;
+}
+
+// The string the menu import opens its workbook with.
+std::string odbcString(const std::string& path) {
+    return "Provider=MSDASQL.1;Persist Security Info=False;Extended Properties=DBQ=" + path +
+           ";DefaultDir=;Driver={Microsoft Excel Driver (*.xls)};DriverId=790;FIL=excel 8.0;"
+           "MaxBufferSize=2048;MaxScanRows=8;PageTimeout=5;ReadOnly=1;SafeTransactions=0;"
+           "Threads=3;UID=admin;UserCommitSync=Yes;";
+}
+
+std::vector<std::u16string> schemaNames(const Connection& connection) {
+    std::vector<std::u16string> names;
+    for (const auto& row : connection.OpenSchema(Connection::kSchemaTables).rows) {
+        EXPECT_EQ(row[3], Value::text(u"TABLE"));
+        names.push_back(row[2].asText());
+    }
+    return names;
+}
+
+// A menu sheet: months of four rows a day, as the fixtures' README tells.
+struct MenuSheet {
+    std::string file;
+    std::u16string table;
+    std::vector<std::pair<int, int>> months;        // (month, days) in order
+    std::vector<std::u16string> firstRow, lastRow;  // sabah, ogle
+    bool snackColumn = true;
+    bool blankSnacks = false;  // no cell instead of an empty text
+    // Cells that read Null against the pattern: (data row, column).
+    std::vector<std::pair<long, std::u16string>> nulls;
+};
+
+bool isNull(const MenuSheet& sheet, long row, std::u16string_view column) {
+    for (const auto& [r, c] : sheet.nulls) {
+        if (r == row && c == column)
+            return true;
+    }
+    return false;
+}
+
+void checkMenu(const MenuSheet& sheet) {
+    SCOPED_TRACE(sheet.file + " " + jet::toUtf8(sheet.table));
+    Connection connection;
+    connection.Open(odbcString(workbookFixture(sheet.file).string()));
+    Recordset records;
+    records.open(u"select* from `" + sheet.table + u"`", connection);
+    std::vector<std::u16string> columns = {u"ay", u"gun", u"sabah", u"ogle", u"aksam"};
+    if (sheet.snackColumn)
+        columns.push_back(u"ara_ogun");
+    ASSERT_EQ(records.fieldNames(), columns);
+    EXPECT_EQ(records.fieldTypes()[0], jet::ColumnType::Double);
+    EXPECT_EQ(records.fieldTypes()[1], jet::ColumnType::Double);
+    EXPECT_EQ(records.fieldTypes()[2], jet::ColumnType::Text);
+    long expectedRows = 0;
+    for (const auto& [month, days] : sheet.months)
+        expectedRows += 4L * days;
+    ASSERT_EQ(records.recordCount(), expectedRows);
+
+    long row = 0;
+    records.moveFirst();
+    for (const auto& [month, days] : sheet.months) {
+        for (int day = 1; day <= days; ++day) {
+            for (int line = 0; line < 4; ++line, ++row, records.moveNext()) {
+                SCOPED_TRACE("data row " + std::to_string(row));
+                auto expect = [&](std::u16string_view column, const Value& value) {
+                    EXPECT_EQ(records.field(column), isNull(sheet, row, column) ? Value() : value)
+                        << jet::toUtf8(std::u16string(column));
+                };
+                expect(u"ay", Value::real(month));
+                expect(u"gun", Value::real(day));
+                for (const char16_t* meal : {u"sabah", u"ogle", u"aksam"}) {
+                    const Value value = records.field(meal);
+                    if (isNull(sheet, row, meal)) {
+                        EXPECT_TRUE(value.isNull());
+                    } else {
+                        ASSERT_EQ(value.kind(), Value::Kind::Text);
+                        EXPECT_FALSE(value.asText().empty());
+                    }
+                }
+                if (!sheet.snackColumn)
+                    continue;
+                const Value snack = records.field(u"ara_ogun");
+                if (line == 0) {
+                    ASSERT_EQ(snack.kind(), Value::Kind::Text);
+                    EXPECT_FALSE(snack.asText().empty());
+                } else {
+                    EXPECT_EQ(snack, sheet.blankSnacks ? Value() : Value::text(u""));
+                }
+            }
+        }
+    }
+    EXPECT_TRUE(records.eof());
+    records.moveFirst();
+    EXPECT_EQ(records.field(u"sabah"), Value::text(sheet.firstRow[0]));
+    EXPECT_EQ(records.field(u"ogle"), Value::text(sheet.firstRow[1]));
+    records.moveLast();
+    EXPECT_EQ(records.field(u"sabah"), Value::text(sheet.lastRow[0]));
+    EXPECT_EQ(records.field(u"ogle"), Value::text(sheet.lastRow[1]));
+
+    // The import picks a month with a filter on the Double column.
+    const int month = sheet.months.back().first;
+    records.setFilter(u" ay=" + jet::fromUtf8(std::to_string(month)));
+    EXPECT_EQ(records.recordCount(), 4L * sheet.months.back().second);
+    records.setFilter(u"ay=13");
+    EXPECT_EQ(records.recordCount(), 0);
+}
+
+// Every cell of every sheet that FreeXL reads, against ours.
+void crossCheckWithFreeXl(const std::filesystem::path& path) {
+    SCOPED_TRACE(path.filename().string());
+    const void* handle = nullptr;
+    if (freexl_open(path.c_str(), &handle) != FREEXL_OK || handle == nullptr)
+        return;
+    const workbook::Workbook book = workbook::readWorkbookFile(path);
+    unsigned int sheetCount = 0;
+    ASSERT_EQ(freexl_get_info(handle, FREEXL_BIFF_SHEET_COUNT, &sheetCount), FREEXL_OK);
+    ASSERT_EQ(book.sheets.size(), sheetCount);
+    for (unsigned short index = 0; index < sheetCount; ++index) {
+        const workbook::Sheet& sheet = book.sheets[index];
+        const char* name = nullptr;
+        unsigned int rows = 0;
+        unsigned short columns = 0;
+        ASSERT_EQ(freexl_get_worksheet_name(handle, index, &name), FREEXL_OK);
+        EXPECT_EQ(jet::toUtf8(sheet.name), name);
+        ASSERT_EQ(freexl_select_active_worksheet(handle, index), FREEXL_OK);
+        ASSERT_EQ(freexl_worksheet_dimensions(handle, &rows, &columns), FREEXL_OK);
+        EXPECT_LE(sheet.rows.size(), rows);
+        for (unsigned int row = 0; row < rows; ++row) {
+            if (row < sheet.rows.size()) {
+                EXPECT_LE(sheet.rows[row].size(), columns);
+            }
+            for (unsigned short column = 0; column < columns; ++column) {
+                FreeXL_CellValue value;
+                ASSERT_EQ(freexl_get_cell_value(handle, row, column, &value), FREEXL_OK);
+                const auto& cell = sheet.cell(row, column);
+                const std::string where = std::to_string(row) + "," + std::to_string(column);
+                if (value.type == FREEXL_CELL_INT) {
+                    EXPECT_EQ(cell, workbook::CellValue(double(value.value.int_value))) << where;
+                } else if (value.type == FREEXL_CELL_DOUBLE) {
+                    EXPECT_EQ(cell, workbook::CellValue(value.value.double_value)) << where;
+                } else if (value.type == FREEXL_CELL_TEXT || value.type == FREEXL_CELL_SST_TEXT) {
+                    EXPECT_EQ(cell, workbook::CellValue(jet::fromUtf8(value.value.text_value)))
+                        << where;
+                } else {
+                    EXPECT_EQ(value.type, FREEXL_CELL_NULL) << where;
+                    EXPECT_FALSE(cell.has_value()) << where;
+                }
+            }
+        }
+    }
+    freexl_close(handle);
+}
+
+TEST(Workbook, MenuFixturesReadAsTheImportReadsThem) {
+    SKIP_WITHOUT_FIXTURES();
+    const std::vector<std::u16string> first = {u"ZEYTİN", u"EZOGELİN ÇORBASI"};
+    const std::vector<std::u16string> endOf30 = {u"SİMİT", u"SÜTLAÇ"};
+    const std::vector<std::u16string> endOf31 = {u"HAŞLANMIŞ YUMURTA", u"KEMALPAŞA TATLISI"};
+    auto menu = [&](std::string file, std::u16string table,
+                    std::vector<std::pair<int, int>> months) {
+        MenuSheet sheet;
+        sheet.file = std::move(file);
+        sheet.table = std::move(table);
+        sheet.months = std::move(months);
+        sheet.firstRow = first;
+        sheet.lastRow = sheet.months.back().second == 30 ? endOf30 : endOf31;
+        return sheet;
+    };
+    std::vector<MenuSheet> sheets = {
+        menu("template.xls", u"Sayfa1$", {{4, 30}}),
+        menu("template.xls", u"Menu", {{4, 30}}),
+        menu("two-months.xls", u"sayfa1$", {{11, 30}, {12, 31}}),
+        menu("blank-cells.xls", u"'Sayfa1$'", {{3, 31}}),
+        menu("type-change.xls", u"Sayfa1$", {{5, 31}}),
+        menu("turkish-sheets.xls", u"'Kasım Menüsü$'", {{11, 30}}),
+        menu("turkish-sheets.xls", u"ARALIK$", {{12, 31}}),
+        menu("thirty-one-days.xls", u"Sayfa1$", {{11, 31}}),
+        menu("missing-column.xls", u"Sayfa1$", {{2, 28}}),
+    };
+    sheets[3].blankSnacks = true;
+    for (int day = 5; day <= 30; day += 5)
+        sheets[3].nulls.emplace_back(4L * day - 1, u"sabah");
+    sheets[4].nulls = {{9, u"gun"}, {2, u"sabah"}};  // "on bir", 1234
+    sheets[8].snackColumn = false;
+    sheets[8].lastRow = {u"ZEYTİN", u"AYRAN"};
+    for (const MenuSheet& sheet : sheets)
+        checkMenu(sheet);
+
+    Connection connection;
+    connection.Open(odbcString(workbookFixture("turkish-sheets.xls").string()));
+    EXPECT_EQ(schemaNames(connection),
+              (std::vector<std::u16string>{u"'Kasım Menüsü$'", u"Aralık$", u"Sayfa3$"}));
+    connection.Close();
+
+    // The path as the program writes it: backslashes, blanks, Turkish letters.
+    jet::testing::TempDir dir;
+    std::filesystem::create_directory(dir.path() / "Menü Klasörü");
+    std::filesystem::copy_file(workbookFixture("template.xls"),
+                               dir.path() / "Menü Klasörü" / "Nisan Menüsü.xls");
+    connection.Open(odbcString(dir.path().string() + "\\Menü Klasörü\\Nisan Menüsü.xls"));
+    EXPECT_EQ(schemaNames(connection),
+              (std::vector<std::u16string>{u"Menu", u"Sayfa1$", u"Sayfa2$", u"Sayfa3$"}));
+    Recordset empty;
+    empty.open(u"select* from [Sayfa2$]", connection);
+    EXPECT_EQ(empty.fieldNames(), std::vector<std::u16string>{u"F1"});
+    EXPECT_EQ(empty.fieldTypes(), std::vector<jet::ColumnType>{jet::ColumnType::Text});
+    EXPECT_EQ(empty.recordCount(), 0);
+    Recordset some;
+    some.open(u"select gun, [ogle] as yemek from `Sayfa1$`", connection);
+    EXPECT_EQ(some.fieldNames(), (std::vector<std::u16string>{u"gun", u"yemek"}));
+    EXPECT_EQ(some.valueAt(120, 1), Value::text(u"SÜTLAÇ"));
+    EXPECT_THROW(some.setField(0, Value::real(2)), DataError);  // read-only
+
+    // No header row: the first menu row names the columns.
+    connection.Close();
+    connection.Open(odbcString(workbookFixture("no-header.xls").string()));
+    Recordset noHeader;
+    noHeader.open(u"select* from `Sayfa1$`", connection);
+    EXPECT_EQ(noHeader.recordCount(), 123);
+    EXPECT_EQ(noHeader.fieldNames()[0], u"1");
+    EXPECT_EQ(noHeader.fieldNames()[2], u"ZEYTİN");
+    EXPECT_THROW(noHeader.field(u"ay"), DataError);
+    // ... unless the Jet string says HDR=NO: every row is data.
+    connection.Close();
+    connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" +
+                    workbookFixture("no-header.xls").string() +
+                    ";Extended Properties=\"Excel 8.0;HDR=NO;\"");
+    noHeader.close();
+    noHeader.open(u"select* from `Sayfa1$`", connection);
+    EXPECT_EQ(noHeader.fieldNames(),
+              (std::vector<std::u16string>{u"F1", u"F2", u"F3", u"F4", u"F5", u"F6"}));
+    EXPECT_EQ(noHeader.recordCount(), 124);
+    EXPECT_EQ(noHeader.valueAt(124, 1), Value::real(31));
+
+    Recordset noSnack;
+    connection.Close();
+    connection.Open(odbcString(workbookFixture("missing-column.xls").string()));
+    noSnack.open(u"select* from `Sayfa1$`", connection);
+    EXPECT_THROW(noSnack.field(u"ara_ogun"), DataError);
+
+    for (const auto& entry : std::filesystem::directory_iterator(workbookFixture(""))) {
+        if (entry.path().extension() == ".xls")
+            crossCheckWithFreeXl(entry.path());
+    }
+}
+
+WorkbookError::Kind refusal(const std::filesystem::path& path) {
+    Connection connection;
+    try {
+        connection.Open(odbcString(path.string()));
+    } catch (const WorkbookError& error) {
+        EXPECT_FALSE(connection.isOpen());
+        return error.kind();
+    }
+    ADD_FAILURE() << path << " was opened";
+    return WorkbookError::Kind::TableNotFound;
+}
+
+std::vector<unsigned char> patched(std::vector<unsigned char> bytes,
+                                   const std::vector<unsigned char>& from,
+                                   const std::vector<unsigned char>& to) {
+    const auto at = std::search(bytes.begin(), bytes.end(), from.begin(), from.end());
+    EXPECT_NE(at, bytes.end());
+    if (at != bytes.end())
+        std::copy(to.begin(), to.end(), at);
+    return bytes;
+}
+
+TEST(Workbook, WhatIsNoReadableWorkbookIsRefusedByKind) {
+    SKIP_WITHOUT_FIXTURES();
+    using Kind = WorkbookError::Kind;
+    jet::testing::TempDir dir;
+    auto write = [&](const std::string& name, const std::vector<unsigned char>& bytes) {
+        jet::testing::writeFileBytes(dir.path() / name, bytes);
+        return dir.path() / name;
+    };
+    EXPECT_EQ(refusal(workbookFixture("template.xlsx")), Kind::NewerFormat);
+    const std::string csv = "ay;gun;sabah\n4;1;ÇAY\n";
+    EXPECT_EQ(refusal(write("menu.xls", {csv.begin(), csv.end()})), Kind::NotAWorkbook);
+    EXPECT_EQ(refusal(write("empty.xls", {})), Kind::NotAWorkbook);
+
+    const std::vector<unsigned char> book =
+        jet::testing::readFileBytes(workbookFixture("template.xls"));
+    for (const std::size_t size :
+         {std::size_t{600}, std::size_t{4096}, book.size() / 2, book.size() - 1024}) {
+        const std::vector<unsigned char> cut(book.begin(), book.begin() + long(size));
+        EXPECT_EQ(refusal(write("cut.xls", cut)), Kind::Damaged) << size << " bytes";
+    }
+    // The globals' BOF of Excel 95, and a FILEPASS in place of the record after it.
+    const std::vector<unsigned char> bof = {0x09, 0x08, 0x10, 0x00, 0x00, 0x06, 0x05, 0x00};
+    std::vector<unsigned char> biff5 = bof;
+    biff5[5] = 0x05;
+    EXPECT_EQ(refusal(write("biff5.xls", patched(book, bof, biff5))), Kind::OlderFormat);
+    std::vector<unsigned char> locked = book;
+    const std::size_t at =
+        std::search(book.begin(), book.end(), bof.begin(), bof.end()) - book.begin();
+    const std::size_t afterBof = at + 4 + (book[at + 2] | book[at + 3] << 8);
+    locked[afterBof] = 0x2F;
+    locked[afterBof + 1] = 0x00;
+    EXPECT_EQ(refusal(write("locked.xls", locked)), Kind::PasswordProtected);
+
+    // A stray text at IV65501 stretches the sheet beyond any menu.
+    std::vector<unsigned char> far = book;
+    const std::vector<unsigned char> labelSst = {0xFD, 0x00, 0x0A, 0x00};
+    const std::size_t cell =
+        std::search(book.begin(), book.end(), labelSst.begin(), labelSst.end()) - book.begin();
+    far[cell + 4] = 0xDC;
+    far[cell + 5] = 0xFF;
+    far[cell + 6] = 0xFF;
+    write("far.xls", far);
+    Connection connection;
+    connection.Open(odbcString((dir.path() / "far.xls").string()));
+    try {
+        connection.Execute(u"select* from `Sayfa1$`");
+        ADD_FAILURE() << "a sheet of 16 million cells was read";
+    } catch (const WorkbookError& error) {
+        EXPECT_EQ(error.kind(), Kind::Damaged);
+    }
+    connection.Close();
+
+    connection.Open(odbcString(workbookFixture("template.xls").string()));
+    try {
+        connection.Execute(u"select* from `Sayfa9$`");
+        ADD_FAILURE() << "an absent sheet was read";
+    } catch (const WorkbookError& error) {
+        EXPECT_EQ(error.kind(), Kind::TableNotFound);
+    }
+    EXPECT_THROW(connection.Execute(u"select* from Menu where ay=4"), DataError);
+    EXPECT_THROW(connection.Execute(u"delete from Menu"), DataError);
+    EXPECT_THROW(connection.Execute(u"select yil from Menu"), DataError);
+
+    // What the workbook fuzzer once broke the reader with.
+    for (const auto& entry : std::filesystem::directory_iterator(FUZZ_REGRESSIONS_DIR)) {
+        try {
+            const workbook::Workbook found = workbook::readWorkbookFile(entry.path());
+            for (const std::u16string& name : workbook::tableNames(found)) {
+                workbook::readTable(found, name, true);
+            }
+        } catch (const jet::Error&) {
+        }
+    }
+}
+
+}  // namespace
+}  // namespace store
