@@ -135,12 +135,7 @@ void checkMenu(const MenuSheet& sheet) {
 }
 
 // Every cell of every sheet that FreeXL reads, against ours.
-void crossCheckWithFreeXl(const std::filesystem::path& path) {
-    SCOPED_TRACE(path.filename().string());
-    const void* handle = nullptr;
-    if (freexl_open(path.c_str(), &handle) != FREEXL_OK || handle == nullptr)
-        return;
-    const workbook::Workbook book = workbook::readWorkbookFile(path);
+void compareWithFreeXl(const void* handle, const workbook::Workbook& book) {
     unsigned int sheetCount = 0;
     ASSERT_EQ(freexl_get_info(handle, FREEXL_BIFF_SHEET_COUNT, &sheetCount), FREEXL_OK);
     ASSERT_EQ(book.sheets.size(), sheetCount);
@@ -177,7 +172,18 @@ void crossCheckWithFreeXl(const std::filesystem::path& path) {
             }
         }
     }
+}
+
+// False when FreeXL cannot open the file (it opens many valid ones without a
+// handle).
+bool crossCheckWithFreeXl(const std::filesystem::path& path) {
+    SCOPED_TRACE(path.filename().string());
+    const void* handle = nullptr;
+    if (freexl_open(path.c_str(), &handle) != FREEXL_OK || handle == nullptr)
+        return false;
+    compareWithFreeXl(handle, workbook::readWorkbookFile(path));
     freexl_close(handle);
+    return true;
 }
 
 TEST(Workbook, MenuFixturesReadAsTheImportReadsThem) {
@@ -267,10 +273,13 @@ TEST(Workbook, MenuFixturesReadAsTheImportReadsThem) {
     noSnack.open(u"select* from `Sayfa1$`", connection);
     EXPECT_THROW(noSnack.field(u"ara_ogun"), DataError);
 
+    int crossChecked = 0;
     for (const auto& entry : std::filesystem::directory_iterator(workbookFixture(""))) {
-        if (entry.path().extension() == ".xls")
-            crossCheckWithFreeXl(entry.path());
+        if (entry.path().extension() == ".xls" && crossCheckWithFreeXl(entry.path())) {
+            ++crossChecked;
+        }
     }
+    EXPECT_GE(crossChecked, 2);  // blank-cells.xls and missing-column.xls
 }
 
 WorkbookError::Kind refusal(const std::filesystem::path& path) {
