@@ -40,8 +40,9 @@ private:
     };
 
     std::uint32_t sectorCount() const;
-    // The sectors of the chain from `first`, at most `limit` of them (the
-    // chain must end there or earlier when `exact` is false).
+    // The sectors of the chain through `table` from `first`: exactly
+    // `needed` of them when `exact` (a stream of known size), else up to its
+    // end, which must come before `needed` (a bound that a loop runs into).
     std::vector<std::uint32_t> chain(const std::vector<std::uint32_t>& table, std::uint32_t first,
                                      std::size_t needed, bool exact, const char* what) const;
     std::vector<std::uint8_t> readChain(const std::vector<std::uint32_t>& sectors,

@@ -11,6 +11,9 @@
 #include <gtest/gtest.h>
 
 #include "resources/sample_workbook.h"
+#include "store/connection.h"
+#include "store/jet/text.h"
+#include "store/recordset.h"
 #include "tests/store/jet/test_files.h"
 
 namespace resources {
@@ -133,6 +136,39 @@ TEST(SampleWorkbook, AnAprilMenuFourRowsADay) {
         all += text;
     for (const std::string letter : {"Ç", "Ğ", "İ", "Ö", "Ş", "Ü"}) {
         EXPECT_NE(all.find(letter), std::string::npos) << letter;
+    }
+}
+
+// The menu import reads the sample through our own reader: the same cells
+// as FreeXL gives, the header row naming the columns.
+TEST(SampleWorkbook, OurReaderGivesWhatFreeXlGives) {
+    TempDir dir;
+    const Workbook expected = readEmbeddedWorkbook(dir);
+    ASSERT_EQ(expected.sheets.size(), 3u);
+    const Sheet& sheet = expected.sheets[0];
+    store::Connection connection;
+    connection.Open("Provider=MSDASQL.1;Persist Security Info=False;Extended Properties=DBQ=" +
+                    (dir.path() / "YEMEK_MENUSU.XLS").string() +
+                    ";DefaultDir=;Driver={Microsoft Excel Driver (*.xls)};DriverId=790;"
+                    "FIL=excel 8.0;MaxScanRows=8;ReadOnly=1;");
+    store::Recordset records;
+    records.open(u"select* from `Sayfa1$`", connection);
+    ASSERT_EQ(records.fieldNames().size(), sheet[0].size());
+    for (std::size_t column = 0; column < sheet[0].size(); ++column) {
+        EXPECT_EQ(jet::toUtf8(records.fieldNames()[column]), sheet[0][column].text);
+    }
+    ASSERT_EQ(records.recordCount(), static_cast<long>(sheet.size() - 1));
+    for (std::size_t row = 1; row < sheet.size(); ++row) {
+        for (std::size_t column = 0; column < sheet[row].size(); ++column) {
+            const Cell& cell = sheet[row][column];
+            // The script writes no cell for an empty snack: Null.
+            const jet::Value value = cell.isNumber ? jet::Value::real(cell.number)
+                                     : cell.text.empty()
+                                         ? jet::Value()
+                                         : jet::Value::text(jet::fromUtf8(cell.text));
+            EXPECT_EQ(records.valueAt(static_cast<long>(row), column), value)
+                << "row " << row << " column " << column;
+        }
     }
 }
 
