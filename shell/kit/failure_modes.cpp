@@ -7,6 +7,7 @@
 
 #include "shell/kit/message_box.h"
 #include "store/data_error.h"
+#include "store/workbook/workbook_error.h"
 
 namespace kit {
 namespace {
@@ -24,6 +25,36 @@ QString errorNumber(const std::exception& error) {
         dataError != nullptr ? dataError->number() : store::DataError::kCommandFailed;
     return QStringLiteral("%1 (%2)").arg(number).arg(static_cast<std::uint32_t>(number), 8, 16,
                                                      QLatin1Char('0'));
+}
+
+// What the report says of the failure: a workbook that cannot be read is
+// told in the office's words, with what to do about it; anything else in
+// the words of the part that failed.
+QString description(const std::exception& error) {
+    const auto* workbookError = dynamic_cast<const workbook::WorkbookError*>(&error);
+    if (workbookError == nullptr)
+        return QString::fromUtf8(error.what());
+    using Kind = workbook::WorkbookError::Kind;
+    switch (workbookError->kind()) {
+        case Kind::NotAWorkbook:
+            return QStringLiteral("Seçilen dosya bir Excel çalışma kitabı değil.");
+        case Kind::NewerFormat:
+            return QStringLiteral(
+                "Seçilen dosya yeni Excel biçiminde (.xlsx). Dosyayı Excel 97-2003 çalışma "
+                "kitabı (.xls) olarak kaydedip yeniden deneyiniz.");
+        case Kind::OlderFormat:
+            return QStringLiteral(
+                "Seçilen dosya Excel'in eski bir sürümüyle kaydedilmiş. Dosyayı Excel 97-2003 "
+                "çalışma kitabı (.xls) olarak kaydedip yeniden deneyiniz.");
+        case Kind::PasswordProtected:
+            return QStringLiteral(
+                "Çalışma kitabı parola ile korunuyor. Parolayı kaldırıp yeniden deneyiniz.");
+        case Kind::Damaged:
+            return QStringLiteral("Çalışma kitabı bozuk, okunamadı.");
+        case Kind::TableNotFound:
+            return QStringLiteral("Çalışma kitabında seçilen adla bir sayfa yok.");
+    }
+    return QString::fromUtf8(error.what());
 }
 
 }  // namespace
@@ -62,7 +93,7 @@ void fixedMessage(const std::function<void()>& handler, const QString& message, 
 
 void runTimeErrorReport(const std::exception& error) {
     const QString text = QStringLiteral("Run-time error '%1':\n\n%2")
-                             .arg(errorNumber(error), QString::fromUtf8(error.what()));
+                             .arg(errorNumber(error), description(error));
     std::fputs(text.toLocal8Bit().constData(), stderr);
     std::fputs("\n", stderr);
     if (!messageBoxesUnattended())
