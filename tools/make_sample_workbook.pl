@@ -86,10 +86,9 @@ $workbook->add_worksheet('Sayfa3');
 my @header = ('ay', 'gun', 'sabah', 'ogle', 'aksam', 'ara_ogun');
 $sheet->write_string(0, $_, $header[$_]) for 0 .. $#header;
 
-# A meal with fewer than four lines leaves the rest of its cells blank, as
-# does the snack after the day's first row. Blank means no cell at all: a
-# zero-length shared string is valid BIFF8, but FreeXL 1.0 stops reading the
-# workbook at it.
+# A meal with fewer than four lines leaves the rest of its cells blank (no
+# cell at all); the snack after the day's first row is an empty text, as the
+# dietitian's template has it.
 my $row = 1;
 for my $day (1 .. $days) {
     my @morning = breakfast($day);
@@ -102,7 +101,7 @@ for my $day (1 .. $days) {
         $sheet->write_string($row, 2, $morning[$line]) if defined $morning[$line];
         $sheet->write_string($row, 3, $noon[$line]);
         $sheet->write_string($row, 4, $evening[$line]);
-        $sheet->write_string($row, 5, $snack[$line]) if defined $snack[$line];
+        $sheet->write_string($row, 5, $snack[$line] // '');
         ++$row;
     }
 }
