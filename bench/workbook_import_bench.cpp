@@ -24,13 +24,16 @@ using bench::skipWithout;
 
 const fs::path kSchool = fs::path(SOFRAVAN_FIXTURES_DIR) / "kvl" / "kvl.mdb";
 
-// A workbook of `days` day blocks, four rows each, beside the school's file.
-fs::path makeWorkbook(const ProgramFolder& folder, int days) {
+// A workbook of `days` day blocks, four rows each, beside the school's
+// file; nothing, the benchmark skipped, when the script cannot run.
+fs::path makeWorkbook(benchmark::State& state, const ProgramFolder& folder, int days) {
     const fs::path workbook = folder.database().parent_path() / "menu.xls";
     const std::string command = "perl " SOFRAVAN_SOURCE_DIR "/tools/make_sample_workbook.pl '" +
                                 workbook.string() + "' " + std::to_string(days);
-    if (std::system(command.c_str()) != 0)
+    if (std::system(command.c_str()) != 0) {
+        state.SkipWithError("the sample workbook's script could not run");
         return {};
+    }
     return workbook;
 }
 
@@ -46,11 +49,9 @@ void BM_LoadSheetIntoGrid(benchmark::State& state) {
     if (skipWithout(state, kSchool))
         return;
     const ProgramFolder folder(kSchool);
-    const fs::path workbook = makeWorkbook(folder, 100);
-    if (workbook.empty()) {
-        state.SkipWithError("the sample workbook's script could not run");
+    const fs::path workbook = makeWorkbook(state, folder, 100);
+    if (workbook.empty())
         return;
-    }
     int rows = 0;
     for (auto _ : state) {
         menus::Form15& window = loadSheet(workbook);
@@ -67,11 +68,9 @@ void BM_ImportMonth(benchmark::State& state) {
     if (skipWithout(state, kSchool))
         return;
     const ProgramFolder folder(kSchool);
-    const fs::path workbook = makeWorkbook(folder, 31);
-    if (workbook.empty()) {
-        state.SkipWithError("the sample workbook's script could not run");
+    const fs::path workbook = makeWorkbook(state, folder, 31);
+    if (workbook.empty())
         return;
-    }
     kit::setMessageBoxesUnattended(true);
     store::Connection connection;
     connection.Open("Data Source=" + folder.database().string() +

@@ -18,6 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 using jet::testing::runCommand;
 using jet::testing::shellQuote;
+using reports::testing::exportedMemos;
 using reports::testing::pick;
 using reports::testing::printedText;
 using reports::testing::Rows;
@@ -25,30 +26,6 @@ using windows::testing::SchoolWindowTest;
 
 const QString kSchool = QStringLiteral("Deneme Lisesi");
 const QString kHeads = QStringLiteral("TARİH\\s+SABAH\\s+ÖĞLE\\s+AKŞAM\\s+ARA ÖĞÜN");
-
-// A table as mdbtools exports it, one record a line however many lines a
-// memo holds, dates day first; nothing when the file has no such table.
-std::optional<Rows> exportedMemos(const fs::path& database, const char* table) {
-    int status = 0;
-    const QString tsv = QString::fromStdString(
-        runCommand(std::string(MDB_EXPORT_EXECUTABLE) + " -e -d '\t' -D '%d.%m.%Y' -T '%d.%m.%Y' " +
-                       shellQuote(database.string()) + " " + table + " 2>/dev/null",
-                   &status));
-    if (status != 0)
-        return std::nullopt;
-    Rows rows;
-    for (const QString& line : tsv.split(u'\n', Qt::SkipEmptyParts).mid(1)) {
-        QStringList fields = line.split(u'\t');
-        for (QString& field : fields) {
-            if (field.startsWith(u'"') && field.endsWith(u'"'))
-                field = field.mid(1, field.size() - 2);
-            field.replace(QLatin1String("\\r"), QLatin1String("\r"))
-                .replace(QLatin1String("\\n"), QLatin1String("\n"));
-        }
-        rows.push_back(fields);
-    }
-    return rows;
-}
 
 // The month as a person folds it from the export of MENULER: each four rows
 // in table order are the next day, their lines of each meal one under the

@@ -62,6 +62,18 @@ menus::Form13& chooseSheet(const QString& workbook, const QString& sheet,
     return picker;
 }
 
+// AKTARIM YAP, every question answered with `answer`; the texts asked.
+QStringList copy(menus::Form15& import, const QString& answer = QStringLiteral("Tamam")) {
+    MessageBoxAnswerer answerer(answer);
+    QTest::mouseClick(import.Command2, Qt::LeftButton);
+    return answerer.seen;
+}
+
+void closeImport() {
+    shell::unload<menus::Form15>();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
 menus::Form15& goOn(menus::Form13& picker) {
     QTest::mouseClick(picker.Command2, Qt::LeftButton);
     EXPECT_FALSE(shell::isLoaded<menus::Form13>());
@@ -118,11 +130,7 @@ TEST_F(WorkbookImportTest, TemplateIntoAprilWithoutNoonFirstThenWhole) {
 
     // The first copy takes the second way: no question, and the noon column
     // named the other way round stays unset.
-    {
-        MessageBoxAnswerer answerer;
-        QTest::mouseClick(import.Command2, Qt::LeftButton);
-        EXPECT_EQ(answerer.seen, QStringList{"Excel menüsü programa aktarıldı."});
-    }
+    EXPECT_EQ(copy(import), QStringList{"Excel menüsü programa aktarıldı."});
     Rows april = monthRows(database, 4);
     ASSERT_EQ(april.size(), 120u);
     for (std::size_t row = 0; row < april.size(); ++row) {
@@ -133,22 +141,15 @@ TEST_F(WorkbookImportTest, TemplateIntoAprilWithoutNoonFirstThenWhole) {
     EXPECT_FALSE(april[0][5].isEmpty());
 
     // No: nothing changes.
-    {
-        MessageBoxAnswerer answerer(QStringLiteral("Hayır"));
-        QTest::mouseClick(import.Command2, Qt::LeftButton);
-        EXPECT_EQ(answerer.seen, QStringList{"Programda kayıtlı NİSAN ayı menüsü silinecek.\n"
-                                             "Devam edilsin mi?"});
-    }
+    EXPECT_EQ(copy(import, QStringLiteral("Hayır")),
+              QStringList{"Programda kayıtlı NİSAN ayı menüsü silinecek.\nDevam edilsin mi?"});
     EXPECT_EQ(monthRows(database, 4), april);
 
     // Yes: the month goes and comes back whole, and the table's grid shows
     // every month.
-    {
-        MessageBoxAnswerer answerer(QStringLiteral("Evet"));
-        QTest::mouseClick(import.Command2, Qt::LeftButton);
-        EXPECT_EQ(answerer.seen.size(), 2);
-        EXPECT_EQ(answerer.seen.value(1), QStringLiteral("Excel menüsü programa aktarıldı."));
-    }
+    const QStringList asked = copy(import, QStringLiteral("Evet"));
+    EXPECT_EQ(asked.size(), 2);
+    EXPECT_EQ(asked.value(1), QStringLiteral("Excel menüsü programa aktarıldı."));
     import.grab().save(QStringLiteral(SOFRAVAN_SCREENSHOT_DIR "/form15.png"));
     const Rows whole = monthRows(database, 4);
     ASSERT_EQ(whole.size(), 120u);
@@ -201,36 +202,25 @@ TEST_F(WorkbookImportTest, OtherWorkbooksAndBadOnes) {
     reports::testing::pick(import.Combo2, QStringLiteral("ARALIK"));
     EXPECT_EQ(import.Text1->text(), QStringLiteral("31"));
     EXPECT_EQ(import.DataGrid1->model().rowCount(), 124);
-    {
-        MessageBoxAnswerer answerer;
-        QTest::mouseClick(import.Command2, Qt::LeftButton);
-    }
+    copy(import);
     EXPECT_EQ(monthRows(database, 12).size(), 124u);
     EXPECT_EQ(monthRows(database, 11).size(), 0u);
-    shell::unload<menus::Form15>();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    closeImport();
 
     // Thirty-one days for November: nothing limits the copy.
     menus::Form15& longMonth =
         goOn(chooseSheet(QStringLiteral("thirty-one-days.xls"), QStringLiteral("Sayfa1"), folder));
     EXPECT_EQ(longMonth.Text1->text(), QStringLiteral("30"));
-    {
-        MessageBoxAnswerer answerer;
-        QTest::mouseClick(longMonth.Command2, Qt::LeftButton);
-    }
+    copy(longMonth);
     EXPECT_EQ(monthRows(database, 11).size(), 124u);
-    shell::unload<menus::Form15>();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    closeImport();
 
     // A cell that does not fit its column's type arrives unset: the day of
     // data row 10 and the morning of data row 3.
     menus::Form15& mixed =
         goOn(chooseSheet(QStringLiteral("type-change.xls"), QStringLiteral("Sayfa1"), folder));
     EXPECT_EQ(mixed.Combo2->currentText(), QStringLiteral("MAYIS"));
-    {
-        MessageBoxAnswerer answerer;
-        QTest::mouseClick(mixed.Command2, Qt::LeftButton);
-    }
+    copy(mixed);
     const Rows may = monthRows(database, 5);
     ASSERT_EQ(may.size(), 124u);
     EXPECT_EQ(may[9][1], QString());

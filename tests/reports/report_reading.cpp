@@ -13,20 +13,45 @@ namespace reports::testing {
 using jet::testing::runCommand;
 using jet::testing::shellQuote;
 
-Rows exported(const std::filesystem::path& database, const char* table) {
-    const QString tsv =
-        QString::fromStdString(runCommand(std::string(MDB_EXPORT_EXECUTABLE) + " -d '\t' " +
-                                          shellQuote(database.string()) + " " + table));
+namespace {
+
+// mdbtools' tab-separated export, quotes taken off; with `escaped` the
+// line breaks inside a memo come back from their escapes.
+Rows parseExport(const QString& tsv, bool escaped) {
     Rows rows;
     for (const QString& line : tsv.split(u'\n', Qt::SkipEmptyParts).mid(1)) {
         QStringList fields = line.split(u'\t');
         for (QString& field : fields) {
             if (field.startsWith(u'"') && field.endsWith(u'"'))
                 field = field.mid(1, field.size() - 2);
+            if (escaped) {
+                field.replace(QLatin1String("\\r"), QLatin1String("\r"))
+                    .replace(QLatin1String("\\n"), QLatin1String("\n"));
+            }
         }
         rows.push_back(fields);
     }
     return rows;
+}
+
+}  // namespace
+
+Rows exported(const std::filesystem::path& database, const char* table) {
+    return parseExport(
+        QString::fromStdString(runCommand(std::string(MDB_EXPORT_EXECUTABLE) + " -d '\t' " +
+                                          shellQuote(database.string()) + " " + table)),
+        false);
+}
+
+std::optional<Rows> exportedMemos(const std::filesystem::path& database, const char* table) {
+    int status = 0;
+    const QString tsv = QString::fromStdString(
+        runCommand(std::string(MDB_EXPORT_EXECUTABLE) + " -e -d '\t' -D '%d.%m.%Y' -T '%d.%m.%Y' " +
+                       shellQuote(database.string()) + " " + table + " 2>/dev/null",
+                   &status));
+    if (status != 0)
+        return std::nullopt;
+    return parseExport(tsv, true);
 }
 
 QString printedText(engine::Report* report, const std::filesystem::path& folder, const char* name) {

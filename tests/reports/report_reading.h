@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <vector>
 
 #include <QString>
@@ -15,6 +16,10 @@ namespace reports::testing {
 // reports print is counted against somebody else's reader.
 using Rows = std::vector<QStringList>;
 Rows exported(const std::filesystem::path& database, const char* table);
+
+// The same with one record a line however many lines a memo holds, dates
+// day first; nothing when the file has no such table.
+std::optional<Rows> exportedMemos(const std::filesystem::path& database, const char* table);
 
 // What a person reads on the report's pages once it has run out: the pages
 // written as `name`.pdf in the folder and read back with pdftotext -layout.
