@@ -230,8 +230,8 @@ void Form15::copyRows(bool noonFromOgle) {
     kit::skip([&] { scope.emplace(menu); });
     for (long row = 0; row < count; ++row) {
         kit::skip([&] { menu.addNew(); });
-        for (const auto& [target, source] : assignments)
-            kit::skip([&] { menu.setField(target, sheet.field(source)); });
+        for (const auto& assignment : assignments)
+            kit::skip([&] { menu.setField(assignment.first, sheet.field(assignment.second)); });
         kit::skip([&] { menu.update(); });
         kit::skip([&] { sheet.moveNext(); });
     }
