@@ -73,28 +73,26 @@ QStringList printedDates(const QString& text) {
     return dates;
 }
 
-jet::Value cell(const char16_t* text) {
-    return text == nullptr ? jet::Value() : jet::Value::text(text);
-}
-
 // A row of MENULER: its day and one line of each meal; null is unset.
 struct MenuRow {
     int gun;
     const char16_t* sabah;
-    const char16_t* oglen;
-    const char16_t* aksam;
-    const char16_t* ara_ogun;
+    const char16_t* oglen = u"";
+    const char16_t* aksam = u"";
+    const char16_t* ara_ogun = u"";
 };
 
 // Rows of a month as the preparation window writes them, appended in order.
 void addMenuRows(const fs::path& file, int month, const std::vector<MenuRow>& rows) {
-    jet::Database database(file.string(), jet::PageFile::Mode::ReadWrite);
+    const auto cell = [](const char16_t* text) {
+        return text == nullptr ? jet::Value() : jet::Value::text(text);
+    };
     std::vector<std::vector<jet::Value>> values;
     values.reserve(rows.size());
     for (const MenuRow& row : rows)
         values.push_back({jet::Value::integer(month), jet::Value::integer(row.gun), cell(row.sabah),
                           cell(row.oglen), cell(row.aksam), cell(row.ara_ogun)});
-    database.insertRows(u"MENULER", values);
+    jet::Database(file.string(), jet::PageFile::Mode::ReadWrite).insertRows(u"MENULER", values);
 }
 
 class MonthMenu : public SchoolWindowTest {
@@ -140,12 +138,9 @@ TEST_F(MonthMenu, Form16FoldsEachMonthIntoADayARowAndPrintsIt) {
     // The first opening makes TMPMENU; a second finds it and leaves it be
     // (making it again would fail and end the program).
     menus::Form16* form = &open();
-    EXPECT_EQ(form->windowTitle(), QStringLiteral("Aylık Yemek Menüsü"));
-    EXPECT_EQ(form->Combo1->currentText(), QStringLiteral("Ay seçiniz..."));
     ASSERT_EQ(form->Combo1->count(), 12);
     EXPECT_EQ(form->Combo1->itemText(0), QStringLiteral("OCAK"));
     EXPECT_EQ(form->Combo1->itemText(11), QStringLiteral("ARALIK"));
-    EXPECT_EQ(form->Label1->text(), QStringLiteral("Ay :"));
     EXPECT_FALSE(form->Text1->isVisible() || form->Command1->isVisible() ||
                  form->Command2->isVisible());
     EXPECT_EQ(form->arv->ReportSource(), nullptr);
@@ -193,7 +188,6 @@ TEST_F(MonthMenu, Form16FoldsEachMonthIntoADayARowAndPrintsIt) {
 
     // October: 31 days and a stray fifth row after the last, which is no day.
     const QString october = choose(*form, QStringLiteral("EKİM"), "ekim");
-    ASSERT_EQ(tmpmenuDays(), 31U);
     EXPECT_EQ(tmpmenu(), lines(foldedByHand(menuler, 10, 2026)));
     EXPECT_EQ(printedDates(october).size(), 31);
     EXPECT_EQ(printedDates(october).back(), QStringLiteral("31-Eki-2026"));
@@ -227,18 +221,11 @@ TEST_F(MonthMenu, BlocksGoByPositionAndTheMorningDecides) {
                  {2, u"REÇEL", nullptr, nullptr, nullptr},
                  {2, u"SÜT", nullptr, nullptr, nullptr}});
     // May: the first day has three rows, so every later day moves up a row.
-    addMenuRows(file, 5,
-                {{1, u"A1", u"", u"", u""},
-                 {1, u"A2", u"", u"", u""},
-                 {1, u"A3", u"", u"", u""},
-                 {2, u"B1", u"", u"", u""},
-                 {2, u"B2", u"", u"", u""},
-                 {2, u"B3", u"", u"", u""},
-                 {2, u"B4", u"", u"", u""},
-                 {3, u"C1", u"", u"", u""},
-                 {3, u"C2", u"", u"", u""},
-                 {3, u"C3", u"", u"", u""},
-                 {3, u"C4", u"", u"", u""}});
+    std::vector<MenuRow> may;
+    for (const char16_t* sabah :
+         {u"A1", u"A2", u"A3", u"B1", u"B2", u"B3", u"B4", u"C1", u"C2", u"C3", u"C4"})
+        may.push_back({sabah[0] - u'A' + 1, sabah});
+    addMenuRows(file, 5, may);
     menus::Form16& form = open();
 
     const QString april = choose(form, QStringLiteral("NİSAN"), "nisan");
@@ -257,11 +244,7 @@ TEST_F(MonthMenu, BlocksGoByPositionAndTheMorningDecides) {
               "02.05.2026,Cumartesi,B2|B3|B4|C1,|||,|||,|||\n");
 
     // February prints in 2028 with a 29th day; in 2026 it has none.
-    addMenuRows(file, 2,
-                {{29, u"SON", u"", u"", u""},
-                 {29, u"", u"", u"", u""},
-                 {29, u"", u"", u"", u""},
-                 {29, u"", u"", u"", u""}});
+    addMenuRows(file, 2, {{29, u"SON"}, {29, u""}, {29, u""}, {29, u""}});
     shell::setTodayForTests(QDate(2028, 3, 1));
     const QString leap = choose(form, QStringLiteral("ŞUBAT"), "subat");
     EXPECT_EQ(tmpmenuDays(), 29U);
@@ -280,12 +263,15 @@ TEST_F(MonthMenu, BlocksGoByPositionAndTheMorningDecides) {
 // name from the file; a month outside 1 to 12 is refused.
 TEST_F(MonthMenu, PrintReportPrintsTheMonthMenu) {
     const std::string pdf = (folder_->path() / "tool.pdf").string();
-    int status = -1;
-    runCommand(std::string(PRINT_REPORT_EXECUTABLE) + " " +
-                   shellQuote(folder_->database().string()) + " yemekmenusu --month 11 " +
-                   shellQuote(pdf),
-               &status);
-    ASSERT_EQ(status, 0);
+    const auto printReport = [&](const char* month) {
+        int status = -1;
+        runCommand(std::string(PRINT_REPORT_EXECUTABLE) + " " +
+                       shellQuote(folder_->database().string()) + " yemekmenusu --month " + month +
+                       " " + shellQuote(pdf) + " 2>/dev/null",
+                   &status);
+        return status;
+    };
+    ASSERT_EQ(printReport("11"), 0);
     const QString text =
         QString::fromStdString(runCommand("pdftotext -layout " + shellQuote(pdf) + " -"));
     EXPECT_TRUE(
@@ -296,12 +282,7 @@ TEST_F(MonthMenu, PrintReportPrintsTheMonthMenu) {
     ASSERT_EQ(dates.size(), 30);
     EXPECT_EQ(dates.front(), QStringLiteral("01-Kas-%1").arg(year));
     EXPECT_EQ(tmpmenuDays(), 30U);
-
-    runCommand(std::string(PRINT_REPORT_EXECUTABLE) + " " +
-                   shellQuote(folder_->database().string()) + " yemekmenusu --month 13 " +
-                   shellQuote(pdf) + " 2>/dev/null",
-               &status);
-    EXPECT_EQ(status, 2);
+    EXPECT_EQ(printReport("13"), 2);
 }
 
 }  // namespace
