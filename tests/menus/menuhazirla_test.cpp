@@ -152,12 +152,10 @@ TEST_F(MenuPreparation, MakesClearsAndDeletesMonths) {
     press(window.Command1, QStringLiteral("Hayır"), {kClearQuestion});
     EXPECT_EQ(stored(11), november);
     press(window.Command1, kYes, {kClearQuestion});
-    const std::vector<QStringList> cleared = stored(11);
-    ASSERT_EQ(cleared.size(), 120U);
-    for (std::size_t row = 0; row < cleared.size(); ++row) {
-        EXPECT_EQ(cleared[row].mid(0, 2), november[row].mid(0, 2));
-        EXPECT_EQ(cleared[row].mid(2), QStringList(4, QString()));
-    }
+    std::vector<QStringList> cleared = november;
+    for (QStringList& row : cleared)
+        row = row.mid(0, 2) + QStringList(4, QString());
+    EXPECT_EQ(stored(11), cleared);
     EXPECT_EQ(stored().size(), fixtureRows + 120);
 
     // February follows the clock's year: 29 days in a leap year, else 28.
