@@ -164,8 +164,9 @@ bool crossCheckWithFreeXl(const std::filesystem::path& path) {
             ASSERT_EQ(freexl_worksheet_dimensions(handle, &rows, &columns), FREEXL_OK);
             EXPECT_LE(sheet.rows.size(), rows);
             for (unsigned int row = 0; row < rows; ++row) {
-                if (row < sheet.rows.size())
+                if (row < sheet.rows.size()) {
                     EXPECT_LE(sheet.rows[row].size(), columns);
+                }
                 for (unsigned short column = 0; column < columns; ++column) {
                     FreeXL_CellValue value;
                     ASSERT_EQ(freexl_get_cell_value(handle, row, column, &value), FREEXL_OK);
@@ -196,7 +197,8 @@ TEST(Workbook, MenuFixturesReadAsTheImportReadsThem) {
     auto menu = [&](std::string file, std::u16string table,
                     std::vector<std::pair<int, int>> months) {
         const auto& last = months.back().second == 30 ? endOf30 : endOf31;
-        return MenuSheet{std::move(file), std::move(table), std::move(months), first, last};
+        return MenuSheet{
+            std::move(file), std::move(table), std::move(months), first, last, true, false, {}};
     };
     std::vector<MenuSheet> sheets = {
         menu("template.xls", u"Sayfa1$", {{4, 30}}),
