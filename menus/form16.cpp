@@ -160,6 +160,9 @@ void Form16::Command1_Click() {
         }
     }
     scope->commit();
+    // The scope goes before the record sets and the connection it writes
+    // through.
+    scope.reset();
 
     menu.close();
     days.close();
