@@ -1,0 +1,104 @@
+#include "shell/kit/web_browser.h"
+
+#include <memory>
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QPointer>
+#include <QTimer>
+#include <QUrl>
+#include <QWebEnginePage>
+#include <QWebEngineSettings>
+
+namespace kit {
+namespace {
+
+// A page that can keep its scripts' errors and console output to itself.
+class QuietPage : public QWebEnginePage {
+public:
+    explicit QuietPage(QObject* parent) : QWebEnginePage(parent) {}
+
+    bool silent = false;
+
+protected:
+    void javaScriptConsoleMessage(JavaScriptConsoleMessageLevel level, const QString& message,
+                                  int lineNumber, const QString& sourceID) override {
+        if (!silent)
+            QWebEnginePage::javaScriptConsoleMessage(level, message, lineNumber, sourceID);
+    }
+};
+
+// The script wrapped so that a throw comes back as a value: the answer is
+// an object with "ok" and either "value" or "error".
+QString guarded(const QString& functionBody) {
+    return QStringLiteral(
+               "(function() { try { return { ok: true, value: (function() {\n%1\n})() }; }"
+               " catch (e) { return { ok: false, error: String(e) }; } })()")
+        .arg(functionBody);
+}
+
+}  // namespace
+
+WebBrowser::WebBrowser(QWidget* parent) : QWebEngineView(parent) {
+    setPage(new QuietPage(this));
+    // The program's pages are written in the Turkish code page and declare none.
+    page()->settings()->setDefaultTextEncoding(QStringLiteral("windows-1254"));
+    connect(this, &QWebEngineView::loadStarted, this, [this] { busy_ = true; });
+    connect(this, &QWebEngineView::loadFinished, this, [this] { busy_ = false; });
+}
+
+void WebBrowser::setSilent(bool silent) {
+    static_cast<QuietPage*>(page())->silent = silent;
+}
+
+bool WebBrowser::silent() const {
+    return static_cast<QuietPage*>(page())->silent;
+}
+
+void WebBrowser::Navigate(const QString& address) {
+    setUrl(QUrl::fromUserInput(address));
+}
+
+bool WebBrowser::Busy() const {
+    return busy_;
+}
+
+QVariant WebBrowser::evaluate(const QString& functionBody, int timeoutMs) {
+    if (url().isEmpty())
+        throw ScriptError("no page is loaded");
+    QEventLoop loop;
+    QVariant answer;
+    bool answered = false;
+    // The page may answer after the loop has given up; the guard keeps that
+    // late answer off the finished call's locals.
+    auto alive = std::make_shared<bool>(true);
+    page()->runJavaScript(guarded(functionBody), [&, alive](const QVariant& result) {
+        if (!*alive)
+            return;
+        answer = result;
+        answered = true;
+        loop.quit();
+    });
+    if (!answered) {
+        QTimer::singleShot(timeoutMs, &loop, &QEventLoop::quit);
+        loop.exec(QEventLoop::ExcludeUserInputEvents);
+    }
+    *alive = false;
+    if (!answered)
+        throw ScriptError("the page did not answer in time");
+    const QVariantMap outcome = answer.toMap();
+    if (!outcome.contains(QStringLiteral("ok")))
+        throw ScriptError("the page gave no answer");
+    if (!outcome.value(QStringLiteral("ok")).toBool())
+        throw ScriptError(outcome.value(QStringLiteral("error")).toString().toStdString());
+    return outcome.value(QStringLiteral("value"));
+}
+
+void Wait(const WebBrowser& browser) {
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    while (browser.Busy())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+}
+
+}  // namespace kit
