@@ -11,6 +11,7 @@
 #include "menus/form13.h"
 #include "menus/form16.h"
 #include "menus/menuhazirla.h"
+#include "portal/form12.h"
 #include "reports/selectors.h"
 #include "shell/clock.h"
 #include "shell/kit/connection_strings.h"
@@ -260,6 +261,7 @@ void Form1::connectHandlers() {
     kit::on(excelal, &QAction::triggered, this, [] { showWindow<menus::Form13>(); });
     kit::on(mnhzirla, &QAction::triggered, this, [] { showWindow<menus::menuhazirla>(); });
     kit::on(ymenulist, &QAction::triggered, this, [] { showWindow<menus::Form16>(); });
+    kit::on(menu, &QAction::triggered, this, [] { showWindow<portal::Form12>(); });
     kit::on(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
     kit::on(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
 
