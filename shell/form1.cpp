@@ -8,6 +8,7 @@
 #include <QProcess>
 #include <QVBoxLayout>
 
+#include "display/form8.h"
 #include "menus/form13.h"
 #include "menus/form16.h"
 #include "menus/menuhazirla.h"
@@ -260,6 +261,7 @@ void Form1::connectHandlers() {
     kit::on(excelal, &QAction::triggered, this, [] { showWindow<menus::Form13>(); });
     kit::on(mnhzirla, &QAction::triggered, this, [] { showWindow<menus::menuhazirla>(); });
     kit::on(ymenulist, &QAction::triggered, this, [] { showWindow<menus::Form16>(); });
+    kit::on(kay, &QAction::triggered, this, [] { showWindow<display::Form8>(); });
     kit::on(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
     kit::on(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
 
