@@ -8,13 +8,16 @@
 #include <QCloseEvent>
 
 #include "menus/school_year.h"
+#include "portal/form12.h"
 #include "shell/clock.h"
 #include "shell/kit/failure_modes.h"
 #include "shell/kit/message_box.h"
+#include "shell/kit/placing.h"
 #include "shell/kit/value_text.h"
 #include "shell/kit/vb_number.h"
 #include "shell/months.h"
 #include "shell/program_state.h"
+#include "shell/window_registry.h"
 #include "store/data_error.h"
 #include "store/date_text.h"
 #include "store/write_scope.h"
@@ -33,16 +36,8 @@ constexpr std::array<std::u16string_view, 4> kMealColumns = {u"sabah", u"oglen",
 constexpr int kWindowWidth = 16200;
 constexpr int kWindowHeight = 9900;
 
-void place(QWidget* control, int left, int top, int width, int height) {
-    control->setGeometry(kit::twipsToPixels(left), kit::twipsToPixels(top),
-                         kit::twipsToPixels(width), kit::twipsToPixels(height));
-}
-
-template <class Control>
-Control* named(Control* control, const char* name) {
-    control->setObjectName(QString::fromLatin1(name));
-    return control;
-}
+using kit::named;
+using kit::place;
 
 // The runtime's Trim: blanks only, not tabs or line breaks.
 QString trimBlanks(const QString& text) {
@@ -316,8 +311,12 @@ void menuhazirla::Command1_Click() {
     Adodc1.announce();
 }
 
+// On to the portal: the window goes, with what unloading its data control
+// writes, and the e-Okul window comes.
 void menuhazirla::Command2_Click() {
-    // The e-Okul window is shown here, this one unloaded, once it exists.
+    kit::writePendingEdits(this);
+    shell::unload<menuhazirla>();
+    shell::showWindow<portal::Form12>();
 }
 
 // Not reachable by the user: the weekday of a fixed date in a plain box.

@@ -12,6 +12,7 @@
 #include "menus/form13.h"
 #include "menus/form16.h"
 #include "menus/menuhazirla.h"
+#include "portal/form12.h"
 #include "reports/selectors.h"
 #include "shell/clock.h"
 #include "shell/kit/connection_strings.h"
@@ -261,6 +262,7 @@ void Form1::connectHandlers() {
     kit::on(excelal, &QAction::triggered, this, [] { showWindow<menus::Form13>(); });
     kit::on(mnhzirla, &QAction::triggered, this, [] { showWindow<menus::menuhazirla>(); });
     kit::on(ymenulist, &QAction::triggered, this, [] { showWindow<menus::Form16>(); });
+    kit::on(menu, &QAction::triggered, this, [] { showWindow<portal::Form12>(); });
     kit::on(kay, &QAction::triggered, this, [] { showWindow<display::Form8>(); });
     kit::on(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
     kit::on(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });

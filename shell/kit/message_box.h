@@ -11,6 +11,7 @@ namespace kit {
 inline constexpr int vbOK = 1;
 inline constexpr int vbYes = 6;
 inline constexpr int vbNo = 7;
+inline constexpr int vbExclamation = 48;
 
 int MsgBox(const QString& prompt, int style = 0, const QString& title = QStringLiteral("Sofravan"));
 

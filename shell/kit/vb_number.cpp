@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 
+#include "store/data_error.h"
 #include "store/number_text.h"
 
 namespace kit {
@@ -173,6 +176,18 @@ qint16 addIntegers(qint16 left, qint16 right) {
     if (sum < -32768 || sum > 32767)
         throw std::overflow_error("Overflow");
     return static_cast<qint16>(sum);
+}
+
+qint16 CInt(QStringView text) {
+    const std::optional<store::DecimalNumber> number =
+        store::readNumber(text.toString().toStdU16String());
+    if (!number)
+        throw store::DataError("Type mismatch");
+    const std::optional<std::string> whole = number->scaled(0, 5);
+    const long value = whole ? std::stol(*whole) * (number->negative ? -1 : 1) : 100000;
+    if (value < -32768 || value > 32767)
+        throw std::overflow_error("Overflow");
+    return static_cast<qint16>(value);
 }
 
 }  // namespace kit

@@ -55,4 +55,10 @@ QString Hex(double value);
 // -32,768 to 32,767 throws std::overflow_error (error 6, "Overflow").
 qint16 addIntegers(qint16 left, qint16 right);
 
+// The runtime's CInt of a text on a Turkish Windows: the text read as the
+// system reads numbers (see store::readNumber), rounded halves to even, so
+// "2,5" is 2 and "3,5" is 4. Throws store::DataError ("Type mismatch") for
+// a text that is no number, std::overflow_error beyond -32,768 to 32,767.
+qint16 CInt(QStringView text);
+
 }  // namespace kit

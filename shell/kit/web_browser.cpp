@@ -55,7 +55,10 @@ bool WebBrowser::silent() const {
     return static_cast<QuietPage*>(page())->silent;
 }
 
+// Busy from the call on, as the original's control is, not from the moment
+// the engine reports the load as started.
 void WebBrowser::Navigate(const QString& address) {
+    busy_ = true;
     setUrl(QUrl::fromUserInput(address));
 }
 

@@ -10,6 +10,7 @@
 #include "menus/form15.h"
 #include "menus/form16.h"
 #include "menus/menuhazirla.h"
+#include "portal/form12.h"
 #include "reports/form7.h"
 #include "reports/selectors.h"
 #include "shell/clock.h"
@@ -93,6 +94,7 @@ void SchoolWindowTest::TearDown() {
     deleteIfLoaded<menus::Form15>();
     deleteIfLoaded<menus::menuhazirla>();
     deleteIfLoaded<menus::Form16>();
+    deleteIfLoaded<portal::Form12>();
     deleteIfLoaded<display::Form8>();
     // Windows unloaded during the test go with the events they left.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

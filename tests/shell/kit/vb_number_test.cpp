@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "store/data_error.h"
+
 namespace {
 
 TEST(VbNumberTest, ValReadsTheLeadingNumberWithAPoint) {
@@ -73,6 +75,18 @@ TEST(VbNumberTest, IsNumericFollowsTheTurkishNumberFormat) {
     for (const char16_t* text : notNumeric) {
         EXPECT_FALSE(kit::IsNumeric(text)) << QString::fromUtf16(text).toStdString();
     }
+}
+
+TEST(VbNumberTest, CIntRoundsHalvesToEvenWithinSixteenBits) {
+    EXPECT_EQ(kit::CInt(u" 11 "), 11);
+    EXPECT_EQ(kit::CInt(u"2,5"), 2);
+    EXPECT_EQ(kit::CInt(u"3,5"), 4);
+    EXPECT_EQ(kit::CInt(u"-32768"), -32768);
+    EXPECT_EQ(kit::CInt(u"&HFFFF"), -1);
+    EXPECT_THROW(kit::CInt(u"32767,5"), std::overflow_error);
+    EXPECT_THROW(kit::CInt(u"1e9"), std::overflow_error);
+    EXPECT_THROW(kit::CInt(u""), store::DataError);
+    EXPECT_THROW(kit::CInt(u"Mart"), store::DataError);
 }
 
 TEST(VbNumberTest, PlainNumberWritesFifteenDigitsWithAComma) {
