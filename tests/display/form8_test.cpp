@@ -23,6 +23,7 @@
 #include "shell/kit/app_path.h"
 #include "shell/kit/vb_number.h"
 #include "shell/window_registry.h"
+#include "tests/shell/page_picture.h"
 #include "tests/shell/window_driver.h"
 
 namespace {
@@ -188,8 +189,54 @@ TEST_F(RunningTextPage, SavesThePageAsTypedAndPreviewsIt) {
                                             ".join('|');"))
                   .toString(),
               QStringLiteral("Afiyet olsun Şükrü ığİ 7ş|Şükrü|FfÇ|7ş"));
+}
 
-    EXPECT_TRUE(window.grab().save(QStringLiteral(SOFRAVAN_SCREENSHOT_DIR "/form8.png")));
+// The window after a save with the default colours, as a person sees it:
+// red letters run in from the right over the white page. The marquee is
+// stopped once its first letters are well in view, so that the picture
+// catches them.
+TEST_F(RunningTextPage, ThePreviewShowsThePageRunning) {
+    Form8& window = open();
+    windows::testing::type(window.Text1, QStringLiteral("İyi günler! Bugün öğlen köfte ve çorba"));
+    save(window);
+    const auto textLeft = [&] {
+        return window.wb
+            ->evaluate(QStringLiteral(
+                "return document.querySelector('font').getBoundingClientRect().left;"))
+            .toDouble();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(textLeft() < 400, 10000);
+    window.wb->evaluate(QStringLiteral("document.querySelector('marquee').stop();"));
+
+    const QImage picture = windows::testing::windowPicture(window);
+    EXPECT_TRUE(picture.save(QStringLiteral(SOFRAVAN_SCREENSHOT_DIR "/form8.png")));
+    const QRect strip(window.wb->mapTo(&window, QPoint(0, 0)), window.wb->size());
+    int red = 0;
+    int white = 0;
+    for (int y = strip.top(); y <= strip.bottom(); ++y) {
+        for (int x = strip.left(); x <= strip.right(); ++x) {
+            const QColor pixel = picture.pixelColor(x, y);
+            red += pixel.red() > 200 && pixel.green() < 60 && pixel.blue() < 60 ? 1 : 0;
+            white += pixel == QColor(255, 255, 255) ? 1 : 0;
+        }
+    }
+    EXPECT_GT(red, 200) << "no red letters in the preview";
+    EXPECT_GT(white, strip.width() * strip.height() / 2) << "the page is not white";
+}
+
+// Chromium guesses the code page of a page that names none from its bytes
+// and takes the browser's default only when unsure: it reads this page as
+// windows-1252 ("Ýyi"). To be enabled once the browser loads local pages in
+// its default code page.
+TEST_F(RunningTextPage, DISABLED_AShortTurkishTextComesBackInThePreview) {
+    Form8& window = open();
+    windows::testing::type(window.Text1, QStringLiteral("İyi günler"));
+    save(window);
+    EXPECT_EQ(
+        window.wb
+            ->evaluate(QStringLiteral("return document.querySelector('font').textContent.trim();"))
+            .toString(),
+        QStringLiteral("İyi günler"));
 }
 
 // A folder where the page should be: the handler has no error handling, so
