@@ -8,6 +8,7 @@
 #include <QProcess>
 #include <QVBoxLayout>
 
+#include "display/form8.h"
 #include "menus/form13.h"
 #include "menus/form16.h"
 #include "menus/menuhazirla.h"
@@ -262,6 +263,7 @@ void Form1::connectHandlers() {
     kit::on(mnhzirla, &QAction::triggered, this, [] { showWindow<menus::menuhazirla>(); });
     kit::on(ymenulist, &QAction::triggered, this, [] { showWindow<menus::Form16>(); });
     kit::on(menu, &QAction::triggered, this, [] { showWindow<portal::Form12>(); });
+    kit::on(kay, &QAction::triggered, this, [] { showWindow<display::Form8>(); });
     kit::on(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
     kit::on(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
 

@@ -159,6 +159,18 @@ QString plainNumber(double value) {
     return QString::fromStdU16String(store::numberText(value));
 }
 
+std::int32_t CLng(double value) {
+    // The default rounding of the floating point unit is half to even.
+    const double rounded = std::nearbyint(value);
+    if (!(rounded >= -2147483648.0 && rounded <= 2147483647.0))
+        overflow();
+    return static_cast<std::int32_t>(rounded);
+}
+
+QString Hex(double value) {
+    return QString::number(static_cast<std::uint32_t>(CLng(value)), 16).toUpper();
+}
+
 qint16 addIntegers(qint16 left, qint16 right) {
     const int sum = int{left} + int{right};
     if (sum < -32768 || sum > 32767)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include <QString>
 #include <QStringView>
 
@@ -38,6 +40,16 @@ bool IsNumeric(QStringView text);
 // text on a Turkish Windows, as its CStr does: see store::numberText. So
 // 1.5 gives "1,5", 12345678901 gives "12345678901" and 1E+15 "1E+15".
 QString plainNumber(double value);
+
+// The runtime's CLng: the nearest whole number, a half going to the even
+// one (2.5 is 2, 3.5 is 4). Throws std::overflow_error (error 6,
+// "Overflow") for a number beyond a Long's -2,147,483,648 to 2,147,483,647.
+std::int32_t CLng(double value);
+
+// The runtime's Hex of a number: CLng of it in hexadecimal digits, upper
+// case, no leading zeros; a negative number as its 32 bits, so -1 is
+// "FFFFFFFF".
+QString Hex(double value);
 
 // The sum of two Integers, as the runtime adds 16-bit numbers: a sum beyond
 // -32,768 to 32,767 throws std::overflow_error (error 6, "Overflow").

@@ -5,6 +5,7 @@
 #include <QMessageBox>
 #include <QTest>
 
+#include "display/form8.h"
 #include "menus/form13.h"
 #include "menus/form15.h"
 #include "menus/form16.h"
@@ -94,6 +95,7 @@ void SchoolWindowTest::TearDown() {
     deleteIfLoaded<menus::menuhazirla>();
     deleteIfLoaded<menus::Form16>();
     deleteIfLoaded<portal::Form12>();
+    deleteIfLoaded<display::Form8>();
     // Windows unloaded during the test go with the events they left.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     shell::setTodayForTests(QDate());
