@@ -9,6 +9,7 @@
 #include "shell/kit/app_path.h"
 #include "shell/kit/failure_modes.h"
 #include "shell/kit/grid_column.h"
+#include "shell/kit/placing.h"
 #include "shell/kit/output_file.h"
 #include "shell/kit/vb_number.h"
 
@@ -33,16 +34,8 @@ const QString kTemplate = QStringLiteral(
 constexpr int kWindowWidth = 9600;
 constexpr int kWindowHeight = 3480;
 
-void place(QWidget* control, int left, int top, int width, int height) {
-    control->setGeometry(kit::twipsToPixels(left), kit::twipsToPixels(top),
-                         kit::twipsToPixels(width), kit::twipsToPixels(height));
-}
-
-template <class Control>
-Control* named(Control* control, const char* name) {
-    control->setObjectName(QString::fromLatin1(name));
-    return control;
-}
+using kit::named;
+using kit::place;
 
 // A swatch's number for an HTML colour; the text goes to htmlrenk as a copy
 // of its own, which htmlrenk may pad.

@@ -4,11 +4,11 @@
 
 #include <QCoreApplication>
 #include <QEventLoop>
+#include <QFile>
 #include <QPointer>
 #include <QTimer>
 #include <QUrl>
 #include <QWebEnginePage>
-#include <QWebEngineSettings>
 
 namespace kit {
 namespace {
@@ -41,8 +41,6 @@ QString guarded(const QString& functionBody) {
 
 WebBrowser::WebBrowser(QWidget* parent) : QWebEngineView(parent) {
     setPage(new QuietPage(this));
-    // The program's pages are written in the Turkish code page and declare none.
-    page()->settings()->setDefaultTextEncoding(QStringLiteral("windows-1254"));
     connect(this, &QWebEngineView::loadStarted, this, [this] { busy_ = true; });
     connect(this, &QWebEngineView::loadFinished, this, [this] { busy_ = false; });
 }
@@ -57,9 +55,20 @@ bool WebBrowser::silent() const {
 
 // Busy from the call on, as the original's control is, not from the moment
 // the engine reports the load as started.
+//
+// A page on this machine is read in the system's code page, as the
+// original's browser on a Turkish Windows read a page that declares none.
+// Chromium would guess the encoding from the bytes instead, and takes a
+// short Turkish text for Western European.
 void WebBrowser::Navigate(const QString& address) {
     busy_ = true;
-    setUrl(QUrl::fromUserInput(address));
+    const QUrl url = QUrl::fromUserInput(address);
+    QFile page(url.toLocalFile());
+    if (url.isLocalFile() && page.open(QIODevice::ReadOnly)) {
+        setContent(page.readAll(), QStringLiteral("text/html;charset=windows-1254"), url);
+        return;
+    }
+    setUrl(url);
 }
 
 bool WebBrowser::Busy() const {
