@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "shell/kit/message_box.h"
+#include "shell/kit/output_file.h"
 #include "store/data_error.h"
 #include "store/workbook/workbook_error.h"
 
@@ -13,11 +14,14 @@ namespace kit {
 namespace {
 
 // Errors of the data layer carry the provider's number, the engine's own
-// that of a failed command; an arithmetic overflow is the runtime's 6,
-// anything else the platform's "invalid procedure call".
+// that of a failed command; an arithmetic overflow is the runtime's 6, a
+// file that cannot be written its 75, anything else the platform's
+// "invalid procedure call".
 QString errorNumber(const std::exception& error) {
     if (dynamic_cast<const std::overflow_error*>(&error) != nullptr)
         return QStringLiteral("6");
+    if (dynamic_cast<const FileAccessError*>(&error) != nullptr)
+        return QStringLiteral("75");
     if (dynamic_cast<const jet::Error*>(&error) == nullptr)
         return QStringLiteral("5");
     const auto* dataError = dynamic_cast<const store::DataError*>(&error);
@@ -92,8 +96,8 @@ void fixedMessage(const std::function<void()>& handler, const QString& message, 
 }
 
 void runTimeErrorReport(const std::exception& error) {
-    const QString text = QStringLiteral("Run-time error '%1':\n\n%2")
-                             .arg(errorNumber(error), description(error));
+    const QString text =
+        QStringLiteral("Run-time error '%1':\n\n%2").arg(errorNumber(error), description(error));
     std::fputs(text.toLocal8Bit().constData(), stderr);
     std::fputs("\n", stderr);
     if (!messageBoxesUnattended())

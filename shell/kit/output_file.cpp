@@ -1,7 +1,5 @@
 #include "shell/kit/output_file.h"
 
-#include <stdexcept>
-
 #include <QFile>
 
 #include "shell/kit/windows1254.h"
@@ -13,7 +11,7 @@ void printToOutputFile(const QString& path, const QString& text) {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) ||
         file.write(bytes) != bytes.size() || !file.flush())
-        throw std::runtime_error("Path/File access error");
+        throw FileAccessError();
 }
 
 }  // namespace kit

@@ -248,7 +248,7 @@ TEST_F(RunningTextPage, APageThatCannotBeWrittenEndsTheProgram) {
             windows::testing::MessageBoxAnswerer answerer;
             QTest::mouseClick(window.Command1, Qt::LeftButton);
         },
-        ::testing::ExitedWithCode(1), "Path/File access error");
+        ::testing::ExitedWithCode(1), "'75'.*Path/File access error");
 }
 
 }  // namespace
