@@ -9,8 +9,8 @@
 #include "shell/kit/app_path.h"
 #include "shell/kit/failure_modes.h"
 #include "shell/kit/grid_column.h"
-#include "shell/kit/placing.h"
 #include "shell/kit/output_file.h"
+#include "shell/kit/placing.h"
 #include "shell/kit/vb_number.h"
 
 namespace display {
@@ -46,18 +46,13 @@ double swatchColour(QString htmlColour) {
 }  // namespace
 
 Form8::Form8() {
-    setAttribute(Qt::WA_DeleteOnClose);
-    setObjectName(QStringLiteral("Form8"));
-    setWindowTitle(QStringLiteral("Kayan Yazı"));
-    setAccessibleName(windowTitle());
+    kit::designWindow(this, "Form8", QStringLiteral("Kayan Yazı"), kWindowWidth, kWindowHeight);
     placeControls();
     connectHandlers();
     kit::bare([this] { Form_Load(); });
 }
 
 void Form8::placeControls() {
-    resize(kit::twipsToPixels(kWindowWidth), kit::twipsToPixels(kWindowHeight));
-
     Label1 = named(new QLabel(QStringLiteral("Kayan yazı metni"), this), "Label1");
     place(Label1, 120, 120, 3000, 255);
     Text1 = named(new QLineEdit(this), "Text1");

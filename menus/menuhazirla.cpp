@@ -83,10 +83,8 @@ jet::Value text(const QString& value) {
 }  // namespace
 
 menuhazirla::menuhazirla() {
-    setAttribute(Qt::WA_DeleteOnClose);
-    setObjectName(QStringLiteral("menuhazirla"));
-    setWindowTitle(QStringLiteral("Yemek menüsü hazırlama"));
-    setAccessibleName(windowTitle());
+    kit::designWindow(this, "menuhazirla", QStringLiteral("Yemek menüsü hazırlama"), kWindowWidth,
+                      kWindowHeight);
     placeControls();
     connectHandlers();
     // The data control opens as the window loads, before its Form_Load.
@@ -96,8 +94,6 @@ menuhazirla::menuhazirla() {
 }
 
 void menuhazirla::placeControls() {
-    resize(kit::twipsToPixels(kWindowWidth), kit::twipsToPixels(kWindowHeight));
-
     Combo1 = named(new kit::ComboBox(this), "Combo1");
     Combo1->setEditable(true);
     Combo1->setInsertPolicy(QComboBox::NoInsert);

@@ -36,10 +36,8 @@ void warn(const QString& message) {
 }  // namespace
 
 Form12::Form12() {
-    setAttribute(Qt::WA_DeleteOnClose);
-    setObjectName(QStringLiteral("Form12"));
-    setWindowTitle(QStringLiteral("Yemek menüsü aktarımı"));
-    setAccessibleName(windowTitle());
+    kit::designWindow(this, "Form12", QStringLiteral("Yemek menüsü aktarımı"), kWindowWidth,
+                      kWindowHeight);
     placeControls();
     connectHandlers();
     // The data control opens as the window loads, before its Form_Load.
@@ -49,8 +47,6 @@ Form12::Form12() {
 }
 
 void Form12::placeControls() {
-    resize(kit::twipsToPixels(kWindowWidth), kit::twipsToPixels(kWindowHeight));
-
     wb = named(new kit::WebBrowser(this), "wb");
     wb->setAccessibleName(QStringLiteral("e-Okul"));
     place(wb, 0, 0, kPanelLeft - 120, kWindowHeight);

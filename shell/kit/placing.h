@@ -7,6 +7,18 @@
 
 namespace kit {
 
+// A window as designed: named, captioned (its caption is also its name for
+// assistive technology), at its designed size in twips, and unloaded, that
+// is deleted, when it closes.
+inline void designWindow(QWidget* window, const char* name, const QString& caption, int widthTwips,
+                         int heightTwips) {
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->setObjectName(QString::fromLatin1(name));
+    window->setWindowTitle(caption);
+    window->setAccessibleName(caption);
+    window->resize(twipsToPixels(widthTwips), twipsToPixels(heightTwips));
+}
+
 // A control placed in its parent where the designed window has it, in twips.
 inline void place(QWidget* control, int left, int top, int width, int height) {
     control->setGeometry(twipsToPixels(left), twipsToPixels(top), twipsToPixels(width),
