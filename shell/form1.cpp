@@ -14,6 +14,7 @@
 #include "menus/menuhazirla.h"
 #include "portal/form12.h"
 #include "reports/selectors.h"
+#include "rosters/frmbilgial.h"
 #include "shell/clock.h"
 #include "shell/kit/connection_strings.h"
 #include "shell/kit/failure_modes.h"
@@ -264,6 +265,7 @@ void Form1::connectHandlers() {
     kit::on(ymenulist, &QAction::triggered, this, [] { showWindow<menus::Form16>(); });
     kit::on(menu, &QAction::triggered, this, [] { showWindow<portal::Form12>(); });
     kit::on(kay, &QAction::triggered, this, [] { showWindow<display::Form8>(); });
+    kit::on(pyoklama, &QAction::triggered, this, [] { showWindow<rosters::frmBilgial>(); });
     kit::on(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
     kit::on(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
 

@@ -1,10 +1,12 @@
-// make-demo DIR [--students N] [--meal-days N]
+// make-demo DIR [--students N] [--boarders N] [--meal-days N] [--roll-call]
 //
 // Creates DIR/kvl.mdb: the dining hall's database with every table, index and
 // the password, filled with a made-up school, written through the engine's
 // public write path; then the students' photographs that it names, under
 // DIR/resimler, and the card background and logo, GunduzluKimlik.jpg and
-// logo.jpg. Large arguments make benchmark files.
+// logo.jpg. Large arguments make benchmark files. With --roll-call the file
+// is the roll-call program's instead: ORNEK and Pansiyon alone, without
+// indexes, behind that program's password.
 
 #include <cstdio>
 #include <cstdlib>
@@ -29,6 +31,7 @@ using jet::NewIndex;
 using jet::NewTable;
 
 constexpr char16_t kPassword[] = u"HtRvZpQsD2019";
+constexpr char16_t kRollCallPassword[] = u"HtRvZpSw2019";
 
 NewColumn text(std::u16string name, std::uint16_t length = 255) {
     return {std::move(name), ColumnType::Text, length, false, false, true, false};
@@ -101,6 +104,18 @@ std::vector<NewTable> schema() {
     return tables;
 }
 
+// The roll-call program's tables: the two rosters, columns as above, no index.
+std::vector<NewTable> rollCallSchema() {
+    std::vector<NewTable> tables;
+    for (NewTable& table : schema()) {
+        if (table.name == u"ORNEK" || table.name == u"Pansiyon") {
+            table.indexes.clear();
+            tables.push_back(std::move(table));
+        }
+    }
+    return tables;
+}
+
 // Rows go in statements of a few thousand: each is journaled and durable.
 void insertInStatements(jet::Database& database, std::u16string_view table,
                         const std::vector<demo::Row>& rows) {
@@ -113,7 +128,8 @@ void insertInStatements(jet::Database& database, std::u16string_view table,
 }
 
 int usage() {
-    std::fputs("usage: make-demo DIR [--students N] [--meal-days N]\n", stderr);
+    std::fputs("usage: make-demo DIR [--students N] [--boarders N] [--meal-days N] [--roll-call]\n",
+               stderr);
     return 2;
 }
 
@@ -123,14 +139,21 @@ int main(int argc, char** argv) {
     if (argc < 2) return usage();
     const std::filesystem::path folder = argv[1];
     demo::SchoolSize size;
+    bool rollCall = false;
     for (int i = 2; i < argc; ++i) {
         const std::string option = argv[i];
+        if (option == "--roll-call") {
+            rollCall = true;
+            continue;
+        }
         if (i + 1 >= argc) return usage();
         char* end = nullptr;
         const long value = std::strtol(argv[++i], &end, 10);
         if (*end != '\0' || value < 0 || value > 10'000'000) return usage();
         if (option == "--students") {
             size.students = static_cast<int>(value);
+        } else if (option == "--boarders") {
+            size.boarders = static_cast<int>(value);
         } else if (option == "--meal-days") {
             size.mealDays = static_cast<int>(value);
         } else {
@@ -152,21 +175,30 @@ int main(int argc, char** argv) {
         const demo::School school =
             demo::makeSchool(size, jet::fromUtf8(std::filesystem::absolute(folder / "resimler").string()));
         jet::NewDatabaseOptions options;
-        options.password = kPassword;
+        options.password = rollCall ? kRollCallPassword : kPassword;
         jet::Database::create(file.string(), options);
         jet::Database database(file.string(), jet::PageFile::Mode::ReadWrite);
-        for (const NewTable& table : schema()) database.createTable(table);
-        insertInStatements(database, u"AYAR", school.settings);
+        for (const NewTable& table : rollCall ? rollCallSchema() : schema())
+            database.createTable(table);
+        if (!rollCall)
+            insertInStatements(database, u"AYAR", school.settings);
         insertInStatements(database, u"ORNEK", school.students);
         insertInStatements(database, u"Pansiyon", school.boarders);
-        insertInStatements(database, u"IZINLER", school.permits);
-        insertInStatements(database, u"YEMEK", school.meals);
-        insertInStatements(database, u"MENULER", school.menus);
-        insertInStatements(database, u"TMP", school.tally);
+        if (!rollCall) {
+            insertInStatements(database, u"IZINLER", school.permits);
+            insertInStatements(database, u"YEMEK", school.meals);
+            insertInStatements(database, u"MENULER", school.menus);
+            insertInStatements(database, u"TMP", school.tally);
+        }
         demo::writePictures(folder, school.portraits);
-        std::printf("%s: %zu students, %zu boarders, %zu permits, %zu meals, %zu menu rows\n",
-                    file.string().c_str(), school.students.size(), school.boarders.size(),
-                    school.permits.size(), school.meals.size(), school.menus.size());
+        if (rollCall) {
+            std::printf("%s: the roll-call program's, %zu students, %zu boarders\n",
+                        file.string().c_str(), school.students.size(), school.boarders.size());
+        } else {
+            std::printf("%s: %zu students, %zu boarders, %zu permits, %zu meals, %zu menu rows\n",
+                        file.string().c_str(), school.students.size(), school.boarders.size(),
+                        school.permits.size(), school.meals.size(), school.menus.size());
+        }
         std::printf("%s: %zu photographs\n", (folder / "resimler").string().c_str(),
                     school.portraits.size());
     } catch (const std::exception& error) {

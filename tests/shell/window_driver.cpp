@@ -13,6 +13,7 @@
 #include "portal/form12.h"
 #include "reports/form7.h"
 #include "reports/selectors.h"
+#include "rosters/frmbilgial.h"
 #include "shell/clock.h"
 #include "shell/form1.h"
 #include "shell/form9.h"
@@ -96,9 +97,11 @@ void SchoolWindowTest::TearDown() {
     deleteIfLoaded<menus::Form16>();
     deleteIfLoaded<portal::Form12>();
     deleteIfLoaded<display::Form8>();
+    deleteIfLoaded<rosters::frmBilgial>();
     // Windows unloaded during the test go with the events they left.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     shell::setTodayForTests(QDate());
+    shell::setNowForTests(QDateTime());
     folder_.reset();
 }
 

@@ -129,5 +129,21 @@ TEST(MakeDemo, SchoolDatabaseAsTheProgramsExpectIt) {
     }
 }
 
+// The roll-call program's file, as the roster import reads it: the two
+// rosters alone, no index, that program's password, boarders as many as asked.
+TEST(MakeDemo, RollCallDatabase) {
+    testing::TempDir dir;
+    const auto folder = dir.path() / "yoklama";
+    ASSERT_EQ(makeDemo(folder, "--students 40 --boarders 7 --roll-call --meal-days 1"), 0);
+    const Database database((folder / "kvl.mdb").string());
+    EXPECT_EQ(database.header().password, u"HtRvZpSw2019");
+    EXPECT_EQ(database.userTableNames(), (std::vector<std::u16string>{u"ORNEK", u"Pansiyon"}));
+    EXPECT_TRUE(database.table(u"ORNEK").realIndexes.empty());
+    EXPECT_EQ(database.table(u"Pansiyon").columns.size(), 11u);
+    EXPECT_EQ(testing::readRows(database, u"ORNEK").size(), 40u);
+    EXPECT_EQ(testing::readRows(database, u"Pansiyon").size(), 7u);
+    EXPECT_EQ(checkIntegrity(database.file()), std::vector<std::string>{});
+}
+
 }  // namespace
 }  // namespace jet
