@@ -13,6 +13,7 @@
 #include "menus/menuhazirla.h"
 #include "portal/form12.h"
 #include "reports/selectors.h"
+#include "rosters/form10.h"
 #include "shell/clock.h"
 #include "shell/kit/connection_strings.h"
 #include "shell/kit/failure_modes.h"
@@ -262,6 +263,7 @@ void Form1::connectHandlers() {
     kit::on(mnhzirla, &QAction::triggered, this, [] { showWindow<menus::menuhazirla>(); });
     kit::on(ymenulist, &QAction::triggered, this, [] { showWindow<menus::Form16>(); });
     kit::on(menu, &QAction::triggered, this, [] { showWindow<portal::Form12>(); });
+    kit::on(foto, &QAction::triggered, this, [] { showWindow<rosters::Form10>(); });
     kit::on(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
     kit::on(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
 
