@@ -103,11 +103,11 @@ void Form10::placeControls() {
     DataGrid1->setDataSource(&Adodc1);
     DataGrid1->setAccessibleName(QStringLiteral("Öğrenciler"));
     DataGrid1->setColumns(
-        {kit::gridColumn(QStringLiteral("Adi"), QStringLiteral("Adi"), 1800),
-         kit::gridColumn(QStringLiteral("Soyadi"), QStringLiteral("Soyadi"), 1800),
-         kit::gridColumn(QStringLiteral("Numara"), QStringLiteral("Numara"), 1000),
-         kit::gridColumn(QStringLiteral("Sinif"), QStringLiteral("Sinif"), 900),
-         kit::gridColumn(QStringLiteral("resim"), QStringLiteral("resim"), 3600),
+        {kit::gridColumn(QStringLiteral("Adi"), QStringLiteral("Adi"), 1500),
+         kit::gridColumn(QStringLiteral("Soyadi"), QStringLiteral("Soyadi"), 1500),
+         kit::gridColumn(QStringLiteral("Numara"), QStringLiteral("Numara"), 900),
+         kit::gridColumn(QStringLiteral("Sinif"), QStringLiteral("Sinif"), 750),
+         kit::gridColumn(QStringLiteral("resim"), QStringLiteral("resim"), 3000),
          kit::gridColumn(QStringLiteral("yatililik"), QStringLiteral("yatililik"), 1000)});
     DataGrid1->setAllowUpdate(true);
 

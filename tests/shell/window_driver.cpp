@@ -12,6 +12,7 @@
 #include "portal/form12.h"
 #include "reports/form7.h"
 #include "reports/selectors.h"
+#include "rosters/form10.h"
 #include "shell/clock.h"
 #include "shell/form1.h"
 #include "shell/form9.h"
@@ -94,6 +95,7 @@ void SchoolWindowTest::TearDown() {
     deleteIfLoaded<menus::menuhazirla>();
     deleteIfLoaded<menus::Form16>();
     deleteIfLoaded<portal::Form12>();
+    deleteIfLoaded<rosters::Form10>();
     // Windows unloaded during the test go with the events they left.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     shell::setTodayForTests(QDate());
