@@ -14,6 +14,7 @@
 #include "menus/menuhazirla.h"
 #include "portal/form12.h"
 #include "reports/selectors.h"
+#include "rosters/form10.h"
 #include "rosters/frmbilgial.h"
 #include "shell/clock.h"
 #include "shell/kit/connection_strings.h"
@@ -266,6 +267,7 @@ void Form1::connectHandlers() {
     kit::on(menu, &QAction::triggered, this, [] { showWindow<portal::Form12>(); });
     kit::on(kay, &QAction::triggered, this, [] { showWindow<display::Form8>(); });
     kit::on(pyoklama, &QAction::triggered, this, [] { showWindow<rosters::frmBilgial>(); });
+    kit::on(foto, &QAction::triggered, this, [] { showWindow<rosters::Form10>(); });
     kit::on(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
     kit::on(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
 

@@ -13,6 +13,7 @@
 #include "portal/form12.h"
 #include "reports/form7.h"
 #include "reports/selectors.h"
+#include "rosters/form10.h"
 #include "rosters/frmbilgial.h"
 #include "shell/clock.h"
 #include "shell/form1.h"
@@ -98,6 +99,7 @@ void SchoolWindowTest::TearDown() {
     deleteIfLoaded<portal::Form12>();
     deleteIfLoaded<display::Form8>();
     deleteIfLoaded<rosters::frmBilgial>();
+    deleteIfLoaded<rosters::Form10>();
     // Windows unloaded during the test go with the events they left.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     shell::setTodayForTests(QDate());
