@@ -13,6 +13,8 @@
 #include "menus/menuhazirla.h"
 #include "portal/form12.h"
 #include "reports/selectors.h"
+#include "rosters/form11.h"
+#include "rosters/frmpansiyon.h"
 #include "shell/clock.h"
 #include "shell/kit/connection_strings.h"
 #include "shell/kit/failure_modes.h"
@@ -262,6 +264,8 @@ void Form1::connectHandlers() {
     kit::on(mnhzirla, &QAction::triggered, this, [] { showWindow<menus::menuhazirla>(); });
     kit::on(ymenulist, &QAction::triggered, this, [] { showWindow<menus::Form16>(); });
     kit::on(menu, &QAction::triggered, this, [] { showWindow<portal::Form12>(); });
+    kit::on(gunduzluduzenle, &QAction::triggered, this, [] { showWindow<rosters::Form11>(); });
+    kit::on(yatiliduzenle, &QAction::triggered, this, [] { showWindow<rosters::frmpansiyon>(); });
     kit::on(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
     kit::on(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
 

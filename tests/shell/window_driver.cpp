@@ -12,6 +12,9 @@
 #include "portal/form12.h"
 #include "reports/form7.h"
 #include "reports/selectors.h"
+#include "rosters/form11.h"
+#include "rosters/frmpansiyon.h"
+#include "rosters/photo_finder.h"
 #include "shell/clock.h"
 #include "shell/form1.h"
 #include "shell/form9.h"
@@ -94,6 +97,10 @@ void SchoolWindowTest::TearDown() {
     deleteIfLoaded<menus::menuhazirla>();
     deleteIfLoaded<menus::Form16>();
     deleteIfLoaded<portal::Form12>();
+    deleteIfLoaded<rosters::resimbul>();
+    deleteIfLoaded<rosters::resimbul2>();
+    deleteIfLoaded<rosters::Form11>();
+    deleteIfLoaded<rosters::frmpansiyon>();
     // Windows unloaded during the test go with the events they left.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     shell::setTodayForTests(QDate());
