@@ -195,7 +195,7 @@ void Form11::DataGrid1_DblClick() {
 }
 
 void Form11::DataGrid1_RowColChange() {
-    showPhotograph(Image1, Adodc1);
+    showPhotograph(Image1, DataGrid1->columnText(RESIM_KOLONU));
 }
 
 }  // namespace rosters

@@ -72,10 +72,10 @@ frmpansiyon::frmpansiyon()
          kit::gridColumn(QStringLiteral("ODA_NO"), QStringLiteral("A_Ogr_Oda_No"), 900), cins,
          kit::gridColumn(QStringLiteral("OKUL_NO"), QStringLiteral("A_Ogr_Okul_No"), 1000),
          kit::gridColumn(QStringLiteral("BİNA_NO"), QStringLiteral("A_Ogr_Bina_No"), 1000),
-         kit::gridColumn(QStringLiteral("RESIM"), QStringLiteral("RESIM"), 2300),
+         kit::gridColumn(QStringLiteral("RESIM"), QStringLiteral("RESIM"), 2200),
          kit::gridColumn(QStringLiteral("OKUL"), QStringLiteral("OKUL"), 1500),
          kit::gridColumn(QStringLiteral("SINIF"), QStringLiteral("SINIF"), 800),
-         kit::gridColumn(QStringLiteral("TC"), QStringLiteral("TC"), 1300)});
+         kit::gridColumn(QStringLiteral("TC"), QStringLiteral("TC"), 1400)});
     // Cells can be corrected; rows are neither added nor deleted here,
     // whatever the hint labels say.
     TDBGrid1->setAllowUpdate(true);
@@ -252,7 +252,7 @@ void frmpansiyon::TDBGrid1_DblClick() {
 }
 
 void frmpansiyon::TDBGrid1_RowColChange() {
-    showPhotograph(Image1, Adodc1);
+    showPhotograph(Image1, TDBGrid1->columnText(RESIM_KOLONU));
 }
 
 // Girls live in building B, everybody else in A, whatever was typed into

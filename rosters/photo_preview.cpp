@@ -7,14 +7,11 @@
 
 namespace rosters {
 
-void showPhotograph(QLabel* image, kit::DataControl& roster) {
+void showPhotograph(QLabel* image, const QString& path) {
     // Each step is passed over when it fails.
     kit::skip([&] { image->clear(); });
     kit::skip([&] {
-        const jet::Value path = roster.Recordset().field(u"resim");
-        if (path.kind() != jet::Value::Kind::Text)
-            throw store::DataError("invalid use of Null");
-        QString file = QString::fromStdU16String(path.asText());
+        QString file = path;
         file.replace(u'\\', u'/');
         QPixmap picture;
         if (!picture.load(file))

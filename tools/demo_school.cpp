@@ -154,7 +154,8 @@ School makeSchool(const SchoolSize& size, const std::u16string& pictureFolder) {
     }
 
     std::vector<Person> boarders;
-    for (int i = 0; i < size.students / 16; ++i) {
+    const int boarderCount = size.boarders >= 0 ? size.boarders : size.students / 16;
+    for (int i = 0; i < boarderCount; ++i) {
         const Person person = makePerson(random, 5000 + i);
         boarders.push_back(person);
         const bool girl = person.sex == u"K";

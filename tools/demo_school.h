@@ -12,7 +12,8 @@ using Row = std::vector<jet::Value>;
 
 // The size of the made-up school.
 struct SchoolSize {
-    int students = 1000;  // day students in ORNEK; about one in sixteen more board
+    int students = 1000;  // day students in ORNEK
+    int boarders = -1;    // boarders in Pansiyon; -1 for one in sixteen of the students
     int mealDays = 90;    // school days of the meal log: one term
 };
 

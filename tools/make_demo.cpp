@@ -1,4 +1,4 @@
-// make-demo DIR [--students N] [--meal-days N]
+// make-demo DIR [--students N] [--boarders N] [--meal-days N]
 //
 // Creates DIR/kvl.mdb: the dining hall's database with every table, index and
 // the password, filled with a made-up school, written through the engine's
@@ -113,7 +113,7 @@ void insertInStatements(jet::Database& database, std::u16string_view table,
 }
 
 int usage() {
-    std::fputs("usage: make-demo DIR [--students N] [--meal-days N]\n", stderr);
+    std::fputs("usage: make-demo DIR [--students N] [--boarders N] [--meal-days N]\n", stderr);
     return 2;
 }
 
@@ -131,6 +131,8 @@ int main(int argc, char** argv) {
         if (*end != '\0' || value < 0 || value > 10'000'000) return usage();
         if (option == "--students") {
             size.students = static_cast<int>(value);
+        } else if (option == "--boarders") {
+            size.boarders = static_cast<int>(value);
         } else if (option == "--meal-days") {
             size.mealDays = static_cast<int>(value);
         } else {

@@ -8,12 +8,14 @@
 #include <QSignalBlocker>
 #include <QToolTip>
 
+#include "shell/kit/grid_cell_delegate.h"
 #include "shell/kit/message_box.h"
 
 namespace kit {
 
 DataGrid::DataGrid(QWidget* parent) : QTableView(parent) {
     QTableView::setModel(&model_);
+    setItemDelegate(new GridCellDelegate(this));
     setSelectionBehavior(QAbstractItemView::SelectItems);
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
