@@ -15,7 +15,9 @@
 #include "portal/form12.h"
 #include "reports/selectors.h"
 #include "rosters/form10.h"
+#include "rosters/form11.h"
 #include "rosters/frmbilgial.h"
+#include "rosters/frmpansiyon.h"
 #include "shell/clock.h"
 #include "shell/kit/connection_strings.h"
 #include "shell/kit/failure_modes.h"
@@ -268,6 +270,8 @@ void Form1::connectHandlers() {
     kit::on(kay, &QAction::triggered, this, [] { showWindow<display::Form8>(); });
     kit::on(pyoklama, &QAction::triggered, this, [] { showWindow<rosters::frmBilgial>(); });
     kit::on(foto, &QAction::triggered, this, [] { showWindow<rosters::Form10>(); });
+    kit::on(gunduzluduzenle, &QAction::triggered, this, [] { showWindow<rosters::Form11>(); });
+    kit::on(yatiliduzenle, &QAction::triggered, this, [] { showWindow<rosters::frmpansiyon>(); });
     kit::on(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
     kit::on(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
 

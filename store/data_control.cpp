@@ -37,6 +37,9 @@ void DataControl::Refresh() {
     recordset_.onMoveComplete = [this] {
         if (onMoveComplete) onMoveComplete();
     };
+    recordset_.onWillChangeRecord = [this] {
+        if (onWillChangeRecord) onWillChangeRecord();
+    };
     recordset_.open(sourceQuery(recordSource), connection_, cursorType, lockType);
 }
 

@@ -24,6 +24,8 @@ public:
     // Called after each change of the record set's current row, Refresh
     // included.
     std::function<void()> onMoveComplete;
+    // Called before an edited or new row of the record set is written.
+    std::function<void()> onWillChangeRecord;
 
     // A connection string set at run time: the connection goes, and the next
     // Refresh opens the new one. The record set stays until then.

@@ -287,6 +287,7 @@ std::vector<jet::Value> Recordset::fieldValues(const std::vector<jet::Value>& ta
 void Recordset::update() {
     requireOpen();
     if (edit_ == Edit::None) return;
+    if (onWillChangeRecord) onWillChangeRecord();
     const bool adding = edit_ == Edit::Add;
     Row* const edited = adding ? nullptr : &rows_[view_[static_cast<std::size_t>(position_)]];
     jet::RowId id;

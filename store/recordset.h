@@ -115,6 +115,10 @@ public:
     // Called after each change of the current row: a move, a new filter or
     // sort, an open. Bound boxes and grids follow the record set through it.
     std::function<void()> onMoveComplete;
+    // The original's WillChangeRecord: called when an edited or new row is
+    // about to be written, while its edit buffer can still be assigned to.
+    // What it assigns is written with the row.
+    std::function<void()> onWillChangeRecord;
 
 private:
     struct Row {

@@ -13,6 +13,10 @@ public:
 
     void setListIndex(int index);
     int ListIndex() const { return currentIndex(); }
+    // The original's AddItem: at the end, or in a Sorted combo at its place
+    // in the system's order of texts (after entries that sort equal).
+    void AddItem(const QString& item);
+    bool Sorted = false;
 
 signals:
     void Click();

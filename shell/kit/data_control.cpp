@@ -13,6 +13,7 @@ DataControl::DataControl(const QString& recordSource, const QString& caption, QO
     control_.recordSource = recordSource.toStdU16String();
     control_.caption = caption.toStdU16String();
     control_.onMoveComplete = [this] { announce(); };
+    control_.onWillChangeRecord = [this] { emit willChangeRecord(); };
 }
 
 void DataControl::Refresh() {
@@ -23,6 +24,11 @@ void DataControl::Refresh() {
 
 QString DataControl::Caption() const {
     return QString::fromStdU16String(control_.caption);
+}
+
+void DataControl::setCaption(const QString& caption) {
+    control_.caption = caption.toStdU16String();
+    emit captionChanged();
 }
 
 void DataControl::setRecordSource(const QString& recordSource) {

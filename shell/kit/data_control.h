@@ -23,6 +23,8 @@ public:
     bool isOpen() const { return control_.recordset().isOpen(); }
     store::Recordset& Recordset() { return control_.recordset(); }
     QString Caption() const;
+    // The original's Caption assignment: the navigation bar shows the text.
+    void setCaption(const QString& caption);
     void setRecordSource(const QString& recordSource);
     // Another source than the program's database (a workbook): taken at
     // the next Refresh.
@@ -37,6 +39,11 @@ signals:
     // The rows in view are others: refreshed, filtered, sorted, added to or
     // deleted from.
     void rowsChanged();
+    // An edited or new row is about to be written: a handler may still
+    // assign fields of the record set's current row, and they are written
+    // with it. The original's WillChangeRecord.
+    void willChangeRecord();
+    void captionChanged();
 
 public slots:
     // Tells the followers to look again; grids call it after writing through

@@ -5,14 +5,17 @@
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QKeyEvent>
+#include <QSignalBlocker>
 #include <QToolTip>
 
+#include "shell/kit/grid_cell_delegate.h"
 #include "shell/kit/message_box.h"
 
 namespace kit {
 
 DataGrid::DataGrid(QWidget* parent) : QTableView(parent) {
     QTableView::setModel(&model_);
+    setItemDelegate(new GridCellDelegate(this));
     setSelectionBehavior(QAbstractItemView::SelectItems);
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
@@ -51,6 +54,22 @@ void DataGrid::Refresh() {
 
 QString DataGrid::Text() const {
     return model_.data(currentIndex(), Qt::DisplayRole).toString();
+}
+
+void DataGrid::setText(const QString& text) {
+    const QModelIndex cell = currentIndex();
+    if (!cell.isValid())
+        return;
+    // An editor open on the cell would write its own text over it later:
+    // stepping off the cell and back closes it, the record set staying put.
+    if (state() == QAbstractItemView::EditingState) {
+        const QSignalBlocker stayingPut(this);
+        following_ = true;
+        setCurrentIndex(QModelIndex());
+        setCurrentIndex(cell);
+        following_ = false;
+    }
+    model_.setData(cell, text, Qt::EditRole);
 }
 
 QString DataGrid::columnText(int column) const {
@@ -97,18 +116,21 @@ void DataGrid::followRecordset() {
 
 void DataGrid::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
     QTableView::currentChanged(current, previous);
-    if (following_ || !current.isValid() || current.row() == previous.row())
-        return;
     DataControl* control = model_.dataControl();
-    if (!control || !control->isOpen() || model_.isAsteriskRow(current.row()))
-        return;
-    try {
-        // Leaving the row writes its pending edit.
-        control->Recordset().setAbsolutePosition(current.row() + 1);
-    } catch (const std::exception& error) {
-        MsgBox(QString::fromUtf8(error.what()), 48);
-        followRecordset();
+    if (!following_ && current.isValid() && current.row() != previous.row() && control &&
+        control->isOpen() && !model_.isAsteriskRow(current.row())) {
+        try {
+            // Leaving the row writes its pending edit.
+            control->Recordset().setAbsolutePosition(current.row() + 1);
+        } catch (const std::exception& error) {
+            MsgBox(QString::fromUtf8(error.what()), 48);
+            followRecordset();
+            return;
+        }
     }
+    // Told once the record set stands on the cell's row.
+    if (current.isValid() && current != previous)
+        emit RowColChange();
 }
 
 void DataGrid::keyPressEvent(QKeyEvent* event) {

@@ -31,6 +31,10 @@ public:
     int Col() const { return currentIndex().column(); }
     // The original's Text: what the current cell shows, "" without one.
     QString Text() const;
+    // The original's Text assignment: the text goes into the current cell
+    // as if typed there, and is written when the record set leaves the row.
+    // Without a current cell nothing happens.
+    void setText(const QString& text);
     // The original's Columns(i).Text: what the column shows in the record
     // set's current row, "" without one.
     QString columnText(int column) const;
@@ -48,6 +52,9 @@ signals:
     // A click on a cell, after the record set moved to its row.
     void Click();
     void DblClick();
+    // The current cell moved to another row or column, by the user or by
+    // the record set.
+    void RowColChange();
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

@@ -11,6 +11,8 @@ NavigationBar::NavigationBar(DataControl& control, QWidget* parent)
     setAccessibleName(control.Caption());
     caption_->setAlignment(Qt::AlignCenter);
     caption_->setFrameShape(QFrame::StyledPanel);
+    connect(&control, &DataControl::captionChanged, caption_,
+            [this] { caption_->setText(control_ ? control_->Caption() : QString()); });
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);

@@ -14,7 +14,10 @@
 #include "reports/form7.h"
 #include "reports/selectors.h"
 #include "rosters/form10.h"
+#include "rosters/form11.h"
 #include "rosters/frmbilgial.h"
+#include "rosters/frmpansiyon.h"
+#include "rosters/photo_finder.h"
 #include "shell/clock.h"
 #include "shell/form1.h"
 #include "shell/form9.h"
@@ -100,6 +103,10 @@ void SchoolWindowTest::TearDown() {
     deleteIfLoaded<display::Form8>();
     deleteIfLoaded<rosters::frmBilgial>();
     deleteIfLoaded<rosters::Form10>();
+    deleteIfLoaded<rosters::resimbul>();
+    deleteIfLoaded<rosters::resimbul2>();
+    deleteIfLoaded<rosters::Form11>();
+    deleteIfLoaded<rosters::frmpansiyon>();
     // Windows unloaded during the test go with the events they left.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     shell::setTodayForTests(QDate());

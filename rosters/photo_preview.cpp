@@ -1,0 +1,24 @@
+#include "rosters/photo_preview.h"
+
+#include <QPixmap>
+
+#include "shell/kit/failure_modes.h"
+#include "store/data_error.h"
+
+namespace rosters {
+
+void showPhotograph(QLabel* image, const QString& path) {
+    // Each step is passed over when it fails.
+    kit::skip([&] { image->clear(); });
+    kit::skip([&] {
+        QString file = path;
+        file.replace(u'\\', u'/');
+        QPixmap picture;
+        if (!picture.load(file))
+            throw store::DataError("the picture cannot be loaded");
+        image->setPixmap(picture);
+    });
+    kit::skip([&] { image->update(); });
+}
+
+}  // namespace rosters
