@@ -5,6 +5,7 @@
 
 #include "permits/search_filters.h"
 #include "shell/form1.h"
+#include "shell/kit/app_path.h"
 #include "shell/kit/failure_modes.h"
 #include "shell/kit/message_box.h"
 #include "shell/kit/vb_number.h"
@@ -73,7 +74,7 @@ void Form1::loadPicture(kit::DataControl& control) {
         if (path.isNull())
             throw store::DataError("invalid use of Null");
         QPixmap picture;
-        const QString file = QString::fromStdU16String(path.asText());
+        const QString file = kit::localPath(QString::fromStdU16String(path.asText()));
         if (!file.isEmpty() && !picture.load(file))
             throw store::DataError("the picture cannot be loaded");
         Image1->setPixmap(picture);

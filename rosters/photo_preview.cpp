@@ -2,6 +2,7 @@
 
 #include <QPixmap>
 
+#include "shell/kit/app_path.h"
 #include "shell/kit/failure_modes.h"
 #include "store/data_error.h"
 
@@ -11,10 +12,8 @@ void showPhotograph(QLabel* image, const QString& path) {
     // Each step is passed over when it fails.
     kit::skip([&] { image->clear(); });
     kit::skip([&] {
-        QString file = path;
-        file.replace(u'\\', u'/');
         QPixmap picture;
-        if (!picture.load(file))
+        if (!picture.load(kit::localPath(path)))
             throw store::DataError("the picture cannot be loaded");
         image->setPixmap(picture);
     });

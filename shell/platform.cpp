@@ -13,6 +13,8 @@
 #include <QSysInfo>
 #include <QUrl>
 
+#include "shell/kit/app_path.h"
+
 namespace shell {
 namespace {
 
@@ -83,10 +85,7 @@ QString GetOsArchitecture() {
 }
 
 bool ShellExecuteOpen(const QString& file) {
-    // Backslashes separate folders here too, as everywhere in the program.
-    QString path = file;
-    path.replace(u'\\', u'/');
-    return QDesktopServices::openUrl(QUrl::fromLocalFile(QDir::cleanPath(path)));
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(QDir::cleanPath(kit::localPath(file))));
 }
 
 void ProgramiKapat() {

@@ -21,6 +21,10 @@ QString inAppPath(const QString& fileName) {
     return appPath() + QDir::separator() + fileName;
 }
 
+QString localPath(QString storedPath) {
+    return storedPath.replace(u'\\', u'/');
+}
+
 void setAppPathForTests(const QString& folder) {
     chosenFolder() = folder;
 }
