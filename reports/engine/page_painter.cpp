@@ -29,6 +29,9 @@ constexpr double kTextPaddingTwips = 30;
 // them is made smaller when the box is too low for both.
 constexpr double kBarsShare = 0.5;
 
+// Code 128 wants ten modules of white at each side of the bars.
+constexpr int kQuietZoneModules = 10;
+
 constexpr qsizetype kReductionsBytes = 64 * 1024 * 1024;
 
 QRectF twipsRect(const Box& box) {
@@ -191,9 +194,10 @@ struct ItemPainter {
         }
 
         // Every module the same whole number of device pixels, the bars
-        // centred in the box.
+        // centred in the box with a quiet zone at each side that a reader
+        // needs to find the symbol.
         const int count = static_cast<int>(item.modules.size());
-        const int moduleWidth = std::max(1, area.width() / count);
+        const int moduleWidth = std::max(1, area.width() / (count + 2 * kQuietZoneModules));
         const int barsLeft = area.left() + (area.width() - moduleWidth * count) / 2;
         const int barsBottom =
             static_cast<int>(std::lround((item.box.top + item.box.height - line.height) * scale));

@@ -143,6 +143,9 @@ TEST(PageOutput, BarcodeReadsBackFromThePrintedPage) {
                            ZXing::DecodeHints().setFormats(ZXing::BarcodeFormat::Code128));
     ASSERT_TRUE(result.isValid());
     EXPECT_EQ(result.text(), "12345678901");
+    // The text under the bars is set in Arial or its metric twin.
+    const QString family = QFontInfo(barcodeFont()).family();
+    EXPECT_TRUE(family == "Arial" || family == "Liberation Sans") << family.toStdString();
 }
 
 // Each on a page of its own: a picture larger than its box, a text taller
