@@ -18,6 +18,7 @@
 #include "rosters/form11.h"
 #include "rosters/frmbilgial.h"
 #include "rosters/frmpansiyon.h"
+#include "rosters/kimlik.h"
 #include "shell/clock.h"
 #include "shell/kit/connection_strings.h"
 #include "shell/kit/failure_modes.h"
@@ -258,6 +259,7 @@ QWidget* Form1::buildPermitArea() {
 void Form1::connectHandlers() {
     kit::on(cik, &QAction::triggered, this, [this] { cik_Click(); });
     // The lists, each in its own window, shown and not waited for.
+    kit::on(kimlikbas, &QAction::triggered, this, [] { showWindow<rosters::kimlik>(); });
     kit::on(izinliste, &QAction::triggered, this, [] { showWindow<reports::Form2>(); });
     kit::on(yemekliste, &QAction::triggered, this, [] { showWindow<reports::Form3>(); });
     kit::on(ucret, &QAction::triggered, this, [] { showWindow<reports::Form5>(); });

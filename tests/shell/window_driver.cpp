@@ -17,6 +17,8 @@
 #include "rosters/form11.h"
 #include "rosters/frmbilgial.h"
 #include "rosters/frmpansiyon.h"
+#include "rosters/gkimlik.h"
+#include "rosters/kimlik.h"
 #include "rosters/photo_finder.h"
 #include "shell/clock.h"
 #include "shell/form1.h"
@@ -107,6 +109,8 @@ void SchoolWindowTest::TearDown() {
     deleteIfLoaded<rosters::resimbul2>();
     deleteIfLoaded<rosters::Form11>();
     deleteIfLoaded<rosters::frmpansiyon>();
+    deleteIfLoaded<rosters::kimlik>();
+    deleteIfLoaded<rosters::gkimlik>();
     // Windows unloaded during the test go with the events they left.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     shell::setTodayForTests(QDate());
