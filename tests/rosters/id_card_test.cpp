@@ -2,6 +2,7 @@
 // shown, saved as a PDF and printed by print-report. Every barcode is read
 // back from the rendered pages and compared with ORNEK as mdbtools reads it.
 
+#include <fstream>
 #include <set>
 
 #include <QAction>
@@ -157,14 +158,15 @@ std::size_t imageCount(const std::vector<engine::Page>& pages) {
 }
 
 // A class of 9A's: photographs where the file names them, one of them
-// missing, a student without an identity number, a surname with an
-// apostrophe; the cards in the viewer, then in the PDF of the day.
+// missing and one damaged, a student without an identity number, a surname
+// with an apostrophe; the cards in the viewer, then in the PDF of the day.
 TEST_F(IdCards, TheCardsOfAClassCarryTheirNumbersAsBarcodes) {
     shell::setTodayForTests(QDate(2026, 3, 5));
     const Rows nineA = classRows(QStringLiteral("9A"));
     ASSERT_GE(nineA.size(), 10u);
     Numbers expected;
     fs::path missingPhoto;
+    fs::path damagedPhoto;
     int photos = 0;
     for (const QStringList& student : nineA) {
         if (!student.value(kTCKimlikNo).isEmpty())
@@ -175,11 +177,16 @@ TEST_F(IdCards, TheCardsOfAClassCarryTheirNumbersAsBarcodes) {
             missingPhoto = photoOf(folder_->path(), student);
             continue;
         }
+        if (damagedPhoto.empty()) {
+            damagedPhoto = photoOf(folder_->path(), student);
+            std::ofstream(damagedPhoto) << "no picture";
+            continue;
+        }
         writePicture(photoOf(folder_->path(), student), 240, 320,
                      QColor::fromHsv(photos++ * 37 % 360, 120, 200));
     }
     ASSERT_LT(expected.size(), nineA.size());  // one card without a barcode
-    ASSERT_FALSE(missingPhoto.empty());
+    ASSERT_FALSE(damagedPhoto.empty());
 
     shell::instance<shell::Form1>().kimlikbas->trigger();
     ASSERT_TRUE(shell::isLoaded<rosters::kimlik>());
@@ -194,8 +201,9 @@ TEST_F(IdCards, TheCardsOfAClassCarryTheirNumbersAsBarcodes) {
     engine::Report* shown = window.arv->ReportSource();
     ASSERT_NE(shown, nullptr);
     QTRY_VERIFY_WITH_TIMEOUT(shown->done(), 20000);
-    // The missing photograph is told once, and the run goes on.
-    EXPECT_EQ(answerer.seen, QStringList{kPictureMessage});
+    // The missing and the damaged photograph are told once each, and the
+    // run goes on.
+    EXPECT_EQ(answerer.seen, (QStringList{kPictureMessage, kPictureMessage}));
     const std::vector<engine::Page>& pages = shown->pages();
     ASSERT_EQ(pages.size(), (nineA.size() + 8) / 9);  // nine cards a page
     // A background on every card; a photograph on every card whose box was
@@ -206,13 +214,21 @@ TEST_F(IdCards, TheCardsOfAClassCarryTheirNumbersAsBarcodes) {
     window.grab().save(QStringLiteral(SOFRAVAN_SCREENSHOT_DIR "/kimlik.png"));
 
     // The PDF of the day: the report runs again on the default instance,
-    // now that every picture is there, and lands beside the folder.
+    // now that every picture is there, and lands beside the folder; where
+    // it cannot be written, the export asks for the report first.
     writePicture(missingPhoto, 240, 320, Qt::darkCyan);
+    writePicture(damagedPhoto, 240, 320, Qt::darkMagenta);
     const fs::path pdf = pathText(folder_->path()).toStdString() + "05_03_2026Gunduzlu_kimlik.pdf";
     EXPECT_EQ(rosters::cardPdfPath(shell::today()).toStdString(), pdf.string());
+    fs::create_directory(pdf);
+    window.pdfTool->trigger();
+    EXPECT_EQ(answerer.seen.size(), 3);
+    EXPECT_EQ(answerer.seen.last(), QStringLiteral("Önce rapor oluşturunuz"));
+    fs::remove(pdf);
+    answerer.seen.clear();
     window.pdfTool->trigger();
     ASSERT_TRUE(fs::exists(pdf));
-    EXPECT_EQ(answerer.seen.size(), 1);
+    EXPECT_EQ(answerer.seen, QStringList());
     EXPECT_FALSE(shell::isLoaded<rosters::gkimlik>());  // the export cleared it
     EXPECT_EQ(barcodesInPdf(pdf, 300, pages), expected);
     EXPECT_EQ(barcodesInPdf(pdf, 150, pages), expected);
@@ -229,8 +245,8 @@ TEST_F(IdCards, TheCardsOfAClassCarryTheirNumbersAsBarcodes) {
     // page is finished, and the export says to make the report first.
     fs::remove(background_);
     window.pdfTool->trigger();
-    EXPECT_EQ(answerer.seen, (QStringList{kPictureMessage, kPictureMessage,
-                                          QStringLiteral("Önce rapor oluşturunuz")}));
+    EXPECT_EQ(answerer.seen,
+              (QStringList{kPictureMessage, QStringLiteral("Önce rapor oluşturunuz")}));
     EXPECT_FALSE(fs::exists(pdf));
 
     // In the viewer the message comes for every card, and every card is
