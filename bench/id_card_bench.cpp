@@ -5,9 +5,7 @@
 // The school is built by make-demo into a temporary folder at start; each
 // benchmark works on a copy of its file beside the card background.
 
-#include <cstdlib>
 #include <filesystem>
-#include <string>
 
 #include <QFileInfo>
 
@@ -20,50 +18,27 @@
 namespace {
 
 namespace fs = std::filesystem;
-using bench::freshTempFolder;
 using bench::ProgramFolder;
 
-struct DemoSchool {
-    fs::path folder;
-    std::string why;  // why there is none
-    ~DemoSchool() { fs::remove_all(folder); }
-};
-
-const DemoSchool& demoSchool() {
-    static DemoSchool school = [] {
-        DemoSchool made;
-        made.folder = freshTempFolder("sofravan-cards");
-        const std::string command = std::string("'") + MAKE_DEMO_EXECUTABLE + "' '" +
-                                    made.folder.string() +
-                                    "' --students 2000 --meal-days 5 > /dev/null";
-        if (std::system(command.c_str()) != 0)
-            made.why = "make-demo failed: " + command;
-        return made;
-    }();
+const bench::MadeUpSchool& demoSchool() {
+    static const bench::MadeUpSchool school("sofravan-cards", "--students 2000 --meal-days 5");
     return school;
 }
 
 // The school's file in a program folder of its own, with the card
 // background the cards are printed on.
 struct CardFolder {
-    explicit CardFolder(const DemoSchool& school) : program(school.folder / "kvl.mdb") {
-        fs::copy_file(school.folder / "GunduzluKimlik.jpg",
+    explicit CardFolder(const bench::MadeUpSchool& school) : program(school.database()) {
+        fs::copy_file(school.folder() / "GunduzluKimlik.jpg",
                       program.database().parent_path() / "GunduzluKimlik.jpg");
     }
     ProgramFolder program;
 };
 
-bool skipWithoutSchool(benchmark::State& state, const DemoSchool& school) {
-    if (school.why.empty())
-        return false;
-    state.SkipWithError(school.why.c_str());
-    return true;
-}
-
 // Every student's card, "Tümü", from the file to the last page.
 void BM_CardsOf2000StudentsLaidOut(benchmark::State& state) {
-    const DemoSchool& school = demoSchool();
-    if (skipWithoutSchool(state, school))
+    const bench::MadeUpSchool& school = demoSchool();
+    if (school.skip(state))
         return;
     const CardFolder folder(school);
     std::size_t pages = 0;
@@ -78,8 +53,8 @@ BENCHMARK(BM_CardsOf2000StudentsLaidOut)->Unit(benchmark::kMillisecond)->Iterati
 
 // The laid-out cards into a PDF, as "Pdf kaydet" writes them after its run.
 void BM_CardsOf2000StudentsToPdf(benchmark::State& state) {
-    const DemoSchool& school = demoSchool();
-    if (skipWithoutSchool(state, school))
+    const bench::MadeUpSchool& school = demoSchool();
+    if (school.skip(state))
         return;
     const CardFolder folder(school);
     rosters::gkimlik cards;

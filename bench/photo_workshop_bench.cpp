@@ -5,7 +5,6 @@
 // name. Every student is paired with every file, so this is the window's
 // slowest run over a whole school.
 
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -22,33 +21,13 @@
 namespace {
 
 namespace fs = std::filesystem;
-using bench::freshTempFolder;
 using bench::ProgramFolder;
 
 constexpr int kStudents = 2000;
 
-// The made-up school's file, built once; empty with the reason in `why`
-// when make-demo failed.
-struct DemoSchool {
-    fs::path folder;
-    std::string why;
-    ~DemoSchool() {
-        if (!folder.empty())
-            fs::remove_all(folder);
-    }
-};
-
-const DemoSchool& demoSchool() {
-    static DemoSchool school = [] {
-        DemoSchool made;
-        made.folder = freshTempFolder("sofravan-photos");
-        const std::string command = std::string("'") + MAKE_DEMO_EXECUTABLE + "' '" +
-                                    (made.folder / "okul").string() + "' --students " +
-                                    std::to_string(kStudents) + " --meal-days 5 > /dev/null";
-        if (std::system(command.c_str()) != 0)
-            made.why = "make-demo failed: " + command;
-        return made;
-    }();
+const bench::MadeUpSchool& demoSchool() {
+    static const bench::MadeUpSchool school(
+        "sofravan-photos", "--students " + std::to_string(kStudents) + " --meal-days 5");
     return school;
 }
 
@@ -82,13 +61,12 @@ void takePictures(const fs::path& database, const fs::path& folder) {
 }
 
 void BM_SaveByNumberWholeSchool(benchmark::State& state) {
-    const DemoSchool& school = demoSchool();
-    if (!school.why.empty()) {
-        state.SkipWithError(school.why.c_str());
+    const bench::MadeUpSchool& school = demoSchool();
+    if (school.skip(state))
         return;
-    }
-    const ProgramFolder folder(school.folder / "okul" / "kvl.mdb");
-    const fs::path pictures = school.folder / "resimler";
+    const ProgramFolder folder(school.database());
+    // A folder of its own beside make-demo's photographs.
+    const fs::path pictures = school.folder() / "numarali";
     if (!fs::exists(pictures))
         takePictures(folder.database(), pictures);
     auto* window = &shell::instance<rosters::Form10>();

@@ -7,9 +7,7 @@
 // with their photographs, that make-demo builds into a temporary folder at
 // start; each benchmark works on a copy of its file in a folder of its own.
 
-#include <cstdlib>
 #include <filesystem>
-#include <string>
 
 #include <QApplication>
 
@@ -23,28 +21,11 @@
 namespace {
 
 namespace fs = std::filesystem;
-using bench::freshTempFolder;
 using bench::ProgramFolder;
 
-// The made-up school, built once on first use; `why` says why there is
-// none.
-struct DemoSchool {
-    fs::path folder;
-    std::string why;
-    ~DemoSchool() { fs::remove_all(folder); }
-};
-
-const DemoSchool& demoSchool() {
-    static DemoSchool school = [] {
-        DemoSchool made;
-        made.folder = freshTempFolder("sofravan-rosters");
-        const std::string command = std::string("'") + MAKE_DEMO_EXECUTABLE + "' '" +
-                                    made.folder.string() +
-                                    "' --students 2000 --boarders 400 --meal-days 5 > /dev/null";
-        if (std::system(command.c_str()) != 0)
-            made.why = "make-demo failed: " + command;
-        return made;
-    }();
+const bench::MadeUpSchool& demoSchool() {
+    static const bench::MadeUpSchool school("sofravan-rosters",
+                                            "--students 2000 --boarders 400 --meal-days 5");
     return school;
 }
 
@@ -63,12 +44,10 @@ void closeWindow() {
 
 template <class Window>
 void BM_OpenEditor(benchmark::State& state) {
-    const DemoSchool& school = demoSchool();
-    if (!school.why.empty()) {
-        state.SkipWithError(school.why.c_str());
+    const bench::MadeUpSchool& school = demoSchool();
+    if (school.skip(state))
         return;
-    }
-    ProgramFolder folder(school.folder / "kvl.mdb");
+    ProgramFolder folder(school.database());
     long rows = 0;
     for (auto _ : state) {
         rows = openWindow<Window>().Adodc1.Recordset().recordCount();
@@ -88,12 +67,10 @@ BENCHMARK(BM_OpenEditor<rosters::frmpansiyon>)
 // One key more or less in the first-name box, in turn: "A" and "Ay".
 template <class Window>
 void BM_NameKeystroke(benchmark::State& state) {
-    const DemoSchool& school = demoSchool();
-    if (!school.why.empty()) {
-        state.SkipWithError(school.why.c_str());
+    const bench::MadeUpSchool& school = demoSchool();
+    if (school.skip(state))
         return;
-    }
-    ProgramFolder folder(school.folder / "kvl.mdb");
+    ProgramFolder folder(school.database());
     Window& window = openWindow<Window>();
     bool longer = false;
     long narrowed = 0;

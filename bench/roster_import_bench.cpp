@@ -3,7 +3,6 @@
 // fixture school's file (480 and 60), the copy of that file written first
 // and the copies thinned to five, as "Bilgileri al" answered Yes does it.
 
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 
@@ -21,7 +20,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-using bench::freshTempFolder;
 using bench::ProgramFolder;
 using bench::skipWithout;
 
@@ -51,20 +49,15 @@ long rowsOf(const fs::path& database, const char* password, std::u16string_view 
 void BM_ImportRosters(benchmark::State& state) {
     if (skipWithout(state, kSchool))
         return;
-    const fs::path rollCall = freshTempFolder("sofravan-yurtsayim");
-    const std::string command = std::string("'") + MAKE_DEMO_EXECUTABLE + "' '" +
-                                rollCall.string() + "' --roll-call --students " +
-                                std::to_string(kStudents) + " --boarders " +
-                                std::to_string(kBoarders) + " --meal-days 1 > /dev/null";
-    if (std::system(command.c_str()) != 0) {
-        state.SkipWithError(("make-demo failed: " + command).c_str());
-        fs::remove_all(rollCall);
+    const bench::MadeUpSchool rollCall(
+        "sofravan-yurtsayim", "--roll-call --students " + std::to_string(kStudents) +
+                                  " --boarders " + std::to_string(kBoarders) + " --meal-days 1");
+    if (rollCall.skip(state))
         return;
-    }
     const ProgramFolder folder(kSchool);
     kit::setMessageBoxesUnattended(true);
     rosters::frmBilgial& window = shell::instance<rosters::frmBilgial>();
-    window.Text1->setText(QString::fromStdString((rollCall / "kvl.mdb").string()));
+    window.Text1->setText(QString::fromStdString(rollCall.database().string()));
     QDateTime moment(QDate(2026, 9, 14), QTime(8, 0, 0));
     for (auto _ : state) {
         state.PauseTiming();
@@ -84,7 +77,6 @@ void BM_ImportRosters(benchmark::State& state) {
         state.SkipWithError("the import did not copy every row");
     state.counters["students"] = static_cast<double>(students);
     state.counters["boarders"] = static_cast<double>(boarders);
-    fs::remove_all(rollCall);
 }
 BENCHMARK(BM_ImportRosters)->Unit(benchmark::kMillisecond);
 

@@ -1,5 +1,6 @@
 #include "bench/window_bench.h"
 
+#include <cstdlib>
 #include <random>
 
 #include <QCoreApplication>
@@ -37,6 +38,25 @@ bool skipWithout(benchmark::State& state, const fs::path& file) {
     if (fs::exists(file))
         return false;
     state.SkipWithError(("missing " + file.string()).c_str());
+    return true;
+}
+
+MadeUpSchool::MadeUpSchool(const std::string& stem, const std::string& options)
+    : folder_(freshTempFolder(stem)) {
+    const std::string command = std::string("'") + MAKE_DEMO_EXECUTABLE + "' '" + folder_.string() +
+                                "' " + options + " > /dev/null";
+    if (std::system(command.c_str()) != 0)
+        why_ = "make-demo failed: " + command;
+}
+
+MadeUpSchool::~MadeUpSchool() {
+    fs::remove_all(folder_);
+}
+
+bool MadeUpSchool::skip(benchmark::State& state) const {
+    if (why_.empty())
+        return false;
+    state.SkipWithError(why_.c_str());
     return true;
 }
 

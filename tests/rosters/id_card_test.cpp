@@ -21,6 +21,7 @@
 #include "shell/kit/app_path.h"
 #include "shell/window_registry.h"
 #include "tests/reports/report_reading.h"
+#include "tests/rosters/roster_testing.h"
 #include "tests/shell/window_driver.h"
 
 namespace {
@@ -33,33 +34,17 @@ using reports::testing::pick;
 using reports::testing::Rows;
 using windows::testing::MessageBoxAnswerer;
 using windows::testing::SchoolWindowTest;
-
-// ORNEK's columns as the fixture stores them.
-constexpr int kTCKimlikNo = 1;
-constexpr int kSinif = 5;
-constexpr int kResim = 19;
+using namespace rosters::testing;
 
 const QString kPictureMessage =
     QStringLiteral("Resim dosyaları bulunamadı.Resim işlerinden\nkontrol ediniz.");
 
 using Numbers = std::multiset<std::string>;
 
-QString pathText(const fs::path& path) {
-    return QString::fromStdString(path.string());
-}
-
-// A JPEG of one colour, with its folders.
-void writePicture(const fs::path& path, int width, int height, QColor colour) {
-    fs::create_directories(path.parent_path());
-    QImage picture(width, height, QImage::Format_RGB32);
-    picture.fill(colour);
-    ASSERT_TRUE(picture.save(pathText(path), "JPG"));
-}
-
 // Where the program finds a stored photograph: "C:\Sofra\resimler\1.jpg"
 // is read as a path under the working folder, which is the school's folder.
 fs::path photoOf(const fs::path& folder, const QStringList& student) {
-    return folder / kit::localPath(student.value(kResim)).toStdString();
+    return folder / kit::localPath(student.value(kOrnekResim)).toStdString();
 }
 
 // The barcodes read off a picture of the page, one card at a time: around
@@ -132,16 +117,11 @@ protected:
             return;
         students_ = exported(folder_->database(), "ORNEK");
         background_ = folder_->path() / "GunduzluKimlik.jpg";
-        writePicture(background_, 500, 300, QColor(240, 236, 220));
+        writePicture(background_, QColor(240, 236, 220), 500, 300);
     }
 
     Rows classRows(const QString& sinif) const {
-        Rows found;
-        for (const QStringList& row : students_) {
-            if (row.value(kSinif) == sinif)
-                found.push_back(row);
-        }
-        return found;
+        return rosters::testing::classRows(students_, sinif);
     }
 
     Rows students_;
@@ -169,9 +149,9 @@ TEST_F(IdCards, TheCardsOfAClassCarryTheirNumbersAsBarcodes) {
     fs::path damagedPhoto;
     int photos = 0;
     for (const QStringList& student : nineA) {
-        if (!student.value(kTCKimlikNo).isEmpty())
-            expected.insert(student.value(kTCKimlikNo).toStdString());
-        if (student.value(kResim).isEmpty())
+        if (!student.value(kOrnekTCKimlikNo).isEmpty())
+            expected.insert(student.value(kOrnekTCKimlikNo).toStdString());
+        if (student.value(kOrnekResim).isEmpty())
             continue;
         if (missingPhoto.empty()) {
             missingPhoto = photoOf(folder_->path(), student);
@@ -182,7 +162,7 @@ TEST_F(IdCards, TheCardsOfAClassCarryTheirNumbersAsBarcodes) {
             std::ofstream(damagedPhoto) << "no picture";
             continue;
         }
-        writePicture(photoOf(folder_->path(), student), 240, 320,
+        writePicture(photoOf(folder_->path(), student),
                      QColor::fromHsv(photos++ * 37 % 360, 120, 200));
     }
     ASSERT_LT(expected.size(), nineA.size());  // one card without a barcode
@@ -216,8 +196,8 @@ TEST_F(IdCards, TheCardsOfAClassCarryTheirNumbersAsBarcodes) {
     // The PDF of the day: the report runs again on the default instance,
     // now that every picture is there, and lands beside the folder; where
     // it cannot be written, the export asks for the report first.
-    writePicture(missingPhoto, 240, 320, Qt::darkCyan);
-    writePicture(damagedPhoto, 240, 320, Qt::darkMagenta);
+    writePicture(missingPhoto, Qt::darkCyan);
+    writePicture(damagedPhoto, Qt::darkMagenta);
     const fs::path pdf = pathText(folder_->path()).toStdString() + "05_03_2026Gunduzlu_kimlik.pdf";
     EXPECT_EQ(rosters::cardPdfPath(shell::today()).toStdString(), pdf.string());
     fs::create_directory(pdf);
@@ -266,9 +246,9 @@ TEST_F(IdCards, PrintReportWritesTheCardsOfAClass) {
     const Rows nineB = classRows(QStringLiteral("9B"));
     Numbers expected;
     for (const QStringList& student : nineB) {
-        expected.insert(student.value(kTCKimlikNo).toStdString());
-        if (!student.value(kResim).isEmpty())
-            writePicture(photoOf(folder_->path(), student), 240, 320, Qt::darkYellow);
+        expected.insert(student.value(kOrnekTCKimlikNo).toStdString());
+        if (!student.value(kOrnekResim).isEmpty())
+            writePicture(photoOf(folder_->path(), student), Qt::darkYellow);
     }
     const fs::path pdf = folder_->path() / "kart.pdf";
     const auto printCards = [&](const std::string& chosen) {

@@ -15,8 +15,8 @@
 #include "shell/form1.h"
 #include "shell/window_registry.h"
 #include "store/jet/database.h"
-#include "store/jet/integrity_check.h"
 #include "tests/reports/report_reading.h"
+#include "tests/rosters/roster_testing.h"
 #include "tests/shell/window_driver.h"
 
 // Texts in failure messages as text, not as arrays of characters.
@@ -32,36 +32,14 @@ using reports::testing::pick;
 using reports::testing::Rows;
 using windows::testing::MessageBoxAnswerer;
 using windows::testing::SchoolWindowTest;
-
-// ORNEK's columns as the fixture stores them.
-constexpr int kNumara = 4;
-constexpr int kSinif = 5;
-constexpr int kResim = 19;
-constexpr int kYatililik = 20;
-
-QString pathText(const fs::path& path) {
-    return QString::fromStdString(path.string());
-}
+using namespace rosters::testing;
 
 // Real JPEG files, one colour each, under the given names.
 void takePictures(const fs::path& folder, const QStringList& names) {
     fs::create_directories(folder);
     int shade = 0;
-    for (const QString& name : names) {
-        QImage picture(60, 80, QImage::Format_RGB32);
-        picture.fill(QColor::fromHsv((shade += 37) % 360, 120, 220));
-        ASSERT_TRUE(picture.save(pathText(folder / name.toStdString()), "JPG"));
-    }
-}
-
-// The rows of a class, in stored order.
-Rows classRows(const Rows& rows, const QString& sinif) {
-    Rows found;
-    for (const QStringList& row : rows) {
-        if (row.value(kSinif) == sinif)
-            found.push_back(row);
-    }
-    return found;
+    for (const QString& name : names)
+        writePicture(folder / name.toStdString(), QColor::fromHsv((shade += 37) % 360, 120, 220));
 }
 
 // ORNEK's rows by their running number: a row written longer may move in
@@ -83,11 +61,6 @@ void expectStudents(const fs::path& database, const Students& expected) {
             << "sno " << sno.toStdString();
 }
 
-void expectSound(const fs::path& database) {
-    EXPECT_EQ(jet::checkIntegrity(jet::Database(database.string()).file()),
-              std::vector<std::string>{});
-}
-
 class PhotoWorkshop : public SchoolWindowTest {
 protected:
     rosters::Form10& open() {
@@ -103,12 +76,6 @@ protected:
                           form.File1->visualItemRect(found.front()).center());
     }
     // A click on a row of DataGrid1.
-    static void chooseStudent(rosters::Form10& form, int row) {
-        const QModelIndex cell = form.DataGrid1->model().index(row, 0);
-        form.DataGrid1->scrollTo(cell);
-        QTest::mouseClick(form.DataGrid1->viewport(), Qt::LeftButton, {},
-                          form.DataGrid1->visualRect(cell).center());
-    }
 };
 
 TEST_F(PhotoWorkshop, ClassFilterThenSavingByTheNumberAtTheStartOfTheName) {
@@ -116,10 +83,10 @@ TEST_F(PhotoWorkshop, ClassFilterThenSavingByTheNumberAtTheStartOfTheName) {
     const Rows before = exported(database, "ORNEK");
     const Rows nineA = classRows(before, QStringLiteral("9A"));
     ASSERT_EQ(nineA.size(), 29u);
-    const QString first = nineA[0][kNumara];
-    const QString second = nineA[1][kNumara];
-    const QString third = nineA[2][kNumara];
-    const QString last = nineA[28][kNumara];
+    const QString first = nineA[0][kOrnekNumara];
+    const QString second = nineA[1][kOrnekNumara];
+    const QString third = nineA[2][kOrnekNumara];
+    const QString last = nineA[28][kOrnekNumara];
 
     rosters::Form10& form = open();
     // The lists stand in the program's folder; nothing has changed yet.
@@ -140,11 +107,11 @@ TEST_F(PhotoWorkshop, ClassFilterThenSavingByTheNumberAtTheStartOfTheName) {
     const fs::path pictures = folder_->path() / "resimler 9A";
     QStringList names;
     for (std::size_t row = 3; row + 1 < nineA.size(); ++row)
-        names << nineA[row][kNumara] + QStringLiteral(".jpg");
+        names << nineA[row][kOrnekNumara] + QStringLiteral(".jpg");
     names << first + QStringLiteral(".jpg") << second + QStringLiteral(" Emine Işık.jpg")
           << third + QStringLiteral(" a.jpg") << third + QStringLiteral(" b.jpg")
           << QStringLiteral("Ali ") + last + QStringLiteral(".jpg")
-          << classRows(before, QStringLiteral("10A"))[0][kNumara] + QStringLiteral(".jpg");
+          << classRows(before, QStringLiteral("10A"))[0][kOrnekNumara] + QStringLiteral(".jpg");
     takePictures(pictures, names);
     takePictures(folder_->path() / "resimler 9A", {QStringLiteral("notlar.png")});
     form.Dir1->setPath(pathText(pictures));
@@ -165,26 +132,26 @@ TEST_F(PhotoWorkshop, ClassFilterThenSavingByTheNumberAtTheStartOfTheName) {
         logged << form.List1->item(line)->text();
     QStringList expectedLog;
     for (std::size_t row = 0; row + 1 < nineA.size(); ++row) {
-        expectedLog << nineA[row][kNumara];
+        expectedLog << nineA[row][kOrnekNumara];
         if (row == 2)
             expectedLog << third;
     }
     EXPECT_EQ(logged, expectedLog);
     Students expected = bySno(before);
     for (auto& [sno, row] : expected) {
-        const QString numara = row[kNumara];
-        if (row[kSinif] == QStringLiteral("9A") && numara != last) {
+        const QString numara = row[kOrnekNumara];
+        if (row[kOrnekSinif] == QStringLiteral("9A") && numara != last) {
             QString name = numara + QStringLiteral(".jpg");
             if (numara == second)
                 name = second + QStringLiteral(" Emine Işık.jpg");
             if (numara == third)
                 name = third + QStringLiteral(" b.jpg");
-            row[kResim] = pathText(pictures / name.toStdString());
+            row[kOrnekResim] = pathText(pictures / name.toStdString());
         }
     }
     expectStudents(database, expected);
     // The stored path loads as it stands; the list stands on its last file.
-    const QString stored = bySno(exported(database, "ORNEK"))[nineA[1][0]][kResim];
+    const QString stored = bySno(exported(database, "ORNEK"))[nineA[1][0]][kOrnekResim];
     EXPECT_FALSE(QImage(stored).isNull()) << stored.toStdString();
     EXPECT_EQ(form.File1->ListIndex(), form.File1->ListCount() - 1);
     EXPECT_EQ(form.Text1->text(), pathText(pictures) + QStringLiteral("/") +
@@ -235,7 +202,7 @@ TEST_F(PhotoWorkshop, SavingByPositionTrustsTheOrderOnceTheCountsMeet) {
     const fs::path numbered = folder_->path() / "numarali";
     QStringList names;
     for (std::size_t row = 0; row + 1 < tenA.size(); ++row)
-        names << tenA[row][kNumara] + QStringLiteral(".jpg");
+        names << tenA[row][kOrnekNumara] + QStringLiteral(".jpg");
     takePictures(numbered, names);
     form.Dir1->setPath(pathText(numbered));
     form.Adodc1.Recordset().moveLast();
@@ -249,7 +216,7 @@ TEST_F(PhotoWorkshop, SavingByPositionTrustsTheOrderOnceTheCountsMeet) {
     expectStudents(database, expected);
     click(form.Command2);
     for (std::size_t row = 0; row + 1 < tenA.size(); ++row)
-        expected[tenA[row][0]][kResim] = pathText(numbered / names[int(row)].toStdString());
+        expected[tenA[row][0]][kOrnekResim] = pathText(numbered / names[int(row)].toStdString());
     expectStudents(database, expected);
 
     // 30 files named so that their order is the class's backwards: each
@@ -260,7 +227,7 @@ TEST_F(PhotoWorkshop, SavingByPositionTrustsTheOrderOnceTheCountsMeet) {
     for (std::size_t row = 0; row < tenA.size(); ++row) {
         reversed << QStringLiteral("%1 %2.jpg")
                         .arg(29 - int(row), 2, 10, QLatin1Char('0'))
-                        .arg(tenA[row][kNumara]);
+                        .arg(tenA[row][kOrnekNumara]);
     }
     takePictures(backwards, reversed);
     form.Dir1->setPath(pathText(backwards));
@@ -270,7 +237,7 @@ TEST_F(PhotoWorkshop, SavingByPositionTrustsTheOrderOnceTheCountsMeet) {
         EXPECT_EQ(answerer.seen, QStringList{});
     }
     for (std::size_t row = 0; row < tenA.size(); ++row) {
-        expected[tenA[row][0]][kResim] =
+        expected[tenA[row][0]][kOrnekResim] =
             pathText(backwards / reversed[29 - int(row)].toStdString());
     }
     expectStudents(database, expected);
@@ -291,12 +258,12 @@ TEST_F(PhotoWorkshop, OneFileAtATimeAndTheMainWindowReloadedOnClosing) {
     const fs::path pictures = folder_->path() / "tek";
     takePictures(pictures, {QStringLiteral("kart.jpg"), QStringLiteral("portre.jpg")});
     form.Dir1->setPath(pathText(pictures));
-    chooseStudent(form, 3);
+    clickCell(form.DataGrid1, 3, 0);
     chooseFile(form, QStringLiteral("portre.jpg"));
     click(form.Command3);
     // The single save writes ordinal 20, the column beside resim.
     Students expected = bySno(before);
-    expected[before[3][0]][kYatililik] = pathText(pictures / "portre.jpg");
+    expected[before[3][0]][kOrnekYatililik] = pathText(pictures / "portre.jpg");
     expectStudents(database, expected);
 
     // In an empty folder: by number nothing, one at a time the folder alone.
@@ -306,9 +273,9 @@ TEST_F(PhotoWorkshop, OneFileAtATimeAndTheMainWindowReloadedOnClosing) {
     EXPECT_EQ(form.Text2->text(), QStringLiteral("0"));
     click(form.Command2);
     expectStudents(database, expected);
-    chooseStudent(form, 5);
+    clickCell(form.DataGrid1, 5, 0);
     click(form.Command3);
-    expected[before[5][0]][kYatililik] = pathText(empty) + QStringLiteral("/");
+    expected[before[5][0]][kOrnekYatililik] = pathText(empty) + QStringLiteral("/");
     expectStudents(database, expected);
     expectSound(database);
 
@@ -341,14 +308,14 @@ TEST_F(PhotoWorkshop, OneFileAtATimeAndTheMainWindowReloadedOnClosing) {
 
     // The main window's students hold what was read before until the
     // workshop closes; then they are read again, whole.
-    main.ornek.Recordset().setFilter(u" Numara like " + before[3][kNumara].toStdU16String());
+    main.ornek.Recordset().setFilter(u" Numara like " + before[3][kOrnekNumara].toStdU16String());
     EXPECT_TRUE(main.ornek.Recordset().field(u"yatililik").isNull());
     form.close();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_FALSE(shell::isLoaded<rosters::Form10>());
     EXPECT_EQ(main.ornek.Recordset().filter(), u"");
     EXPECT_EQ(main.ornek.Recordset().recordCount(), static_cast<long>(before.size()));
-    main.ornek.Recordset().setFilter(u" Numara like " + before[3][kNumara].toStdU16String());
+    main.ornek.Recordset().setFilter(u" Numara like " + before[3][kOrnekNumara].toStdU16String());
     EXPECT_EQ(QString::fromStdU16String(main.ornek.Recordset().field(u"yatililik").asText()),
               pathText(pictures / "portre.jpg"));
 

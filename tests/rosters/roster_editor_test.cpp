@@ -17,9 +17,8 @@
 #include "rosters/photo_finder.h"
 #include "shell/form1.h"
 #include "shell/window_registry.h"
-#include "store/jet/database.h"
-#include "store/jet/integrity_check.h"
 #include "tests/reports/report_reading.h"
+#include "tests/rosters/roster_testing.h"
 #include "tests/shell/window_driver.h"
 
 namespace {
@@ -34,13 +33,9 @@ using rosters::resimbul2;
 using windows::testing::MessageBoxAnswerer;
 using windows::testing::SchoolWindowTest;
 using windows::testing::type;
+using namespace rosters::testing;
 
-// Columns of the tables as mdb-export gives them.
-constexpr int kOrnekAdi = 2;
-constexpr int kOrnekSoyadi = 3;
-constexpr int kOrnekNumara = 4;
-constexpr int kOrnekSinif = 5;
-constexpr int kOrnekResim = 19;
+// Pansiyon's columns as mdb-export gives them.
 constexpr int kPansiyonNo = 0;
 constexpr int kPansiyonSoyadi = 2;
 constexpr int kPansiyonOda = 3;
@@ -67,12 +62,6 @@ protected:
 
     Rows table(const char* name) const { return exported(folder_->database(), name); }
 
-    // The file passes our integrity check after the window's writes.
-    void expectSound() const {
-        EXPECT_EQ(jet::checkIntegrity(jet::Database(folder_->database().string()).file()),
-                  std::vector<std::string>{});
-    }
-
     // Pictures in the program's folder, where the finder's folder list
     // starts, and a file of another kind beside them.
     void addPictures() const {
@@ -88,12 +77,6 @@ protected:
     QString storedPath(const char* file) const {
         return QString::fromStdString(folder_->path().string()) + QStringLiteral("\\") +
                QString::fromLatin1(file);
-    }
-
-    static void clickCell(kit::DataGrid* grid, int row, int column) {
-        const QModelIndex cell = grid->model().index(row, column);
-        grid->scrollTo(cell);
-        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(cell).center());
     }
 
     static void doubleClickCell(kit::DataGrid* grid, int row, int column) {
@@ -253,7 +236,7 @@ TEST_F(RosterEditors, DayStudentEditorFiltersEditsAndTakesAPicture) {
     EXPECT_EQ(table("ORNEK")[2][kOrnekResim], storedPath("ogrenci.jpg"));
     clickCell(form.DataGrid1, 2, 0);
     EXPECT_FALSE(form.Image1->pixmap().isNull());
-    expectSound();
+    expectSound(folder_->database());
     form.grab().save(SOFRAVAN_SCREENSHOT_DIR "/Form11.png");
 
     // A name with an apostrophe breaks the unguarded filter: the program
@@ -388,7 +371,7 @@ TEST_F(RosterEditors, BoarderEditorFiltersBySexAndRoomAndKeepsTheBuilding) {
     EXPECT_EQ(now[4][kPansiyonOkulNo], boarders[4][kPansiyonOkulNo]);
     clickCell(form.TDBGrid1, 4, 0);
     EXPECT_FALSE(form.Image1->pixmap().isNull());
-    expectSound();
+    expectSound(folder_->database());
     form.grab().save(SOFRAVAN_SCREENSHOT_DIR "/frmpansiyon.png");
 }
 

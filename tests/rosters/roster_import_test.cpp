@@ -14,10 +14,9 @@
 #include "shell/program_state.h"
 #include "shell/window_registry.h"
 #include "store/connection.h"
-#include "store/jet/database.h"
-#include "store/jet/integrity_check.h"
 #include "store/recordset.h"
 #include "tests/reports/report_reading.h"
+#include "tests/rosters/roster_testing.h"
 #include "tests/shell/window_driver.h"
 
 namespace {
@@ -26,6 +25,8 @@ namespace fs = std::filesystem;
 using reports::testing::exported;
 using reports::testing::Rows;
 using rosters::frmBilgial;
+using rosters::testing::expectSound;
+using rosters::testing::pathText;
 using windows::testing::MessageBoxAnswerer;
 using windows::testing::SchoolWindowTest;
 
@@ -37,14 +38,6 @@ const QString kFailed = QStringLiteral("Hata oluştu.Tekrar deneyiniz.");
 // The ORNEK columns the import copies, by their place in the table: sno,
 // TCKimlikNo, Adi, Soyadi, Numara, Sinif, Cinsiyet, Seviye, resim.
 const int kCopiedColumns[] = {0, 1, 2, 3, 4, 5, 6, 7, 19};
-
-QString text(const fs::path& path) {
-    return QString::fromStdString(path.string());
-}
-
-std::vector<std::string> integrityFaults(const fs::path& database) {
-    return jet::checkIntegrity(jet::Database(database.string()).file());
-}
 
 // The backups beside the school's file, by name (not the lock files that
 // reading them in the test leaves).
@@ -113,7 +106,7 @@ TEST_F(RosterImportTest, ReplacesBothRostersOnceInARun) {
 
     frmBilgial& window = open();
     // Nothing is chosen at first, though the program's folder holds a kvl.mdb.
-    EXPECT_EQ(window.Dir1->Path(), text(folder_->path()));
+    EXPECT_EQ(window.Dir1->Path(), pathText(folder_->path()));
     EXPECT_TRUE(window.Text1->text().isEmpty());
     EXPECT_TRUE(window.Label1->text().isEmpty());
     EXPECT_FALSE(window.Command2->isEnabled());
@@ -125,21 +118,21 @@ TEST_F(RosterImportTest, ReplacesBothRostersOnceInARun) {
     // but not taken.
     const fs::path empty = folder_->path() / "Boş klasör";
     fs::create_directories(empty);
-    window.Dir1->setPath(text(empty));
-    EXPECT_EQ(window.Text1->text(), text(empty) + QStringLiteral("\\"));
+    window.Dir1->setPath(pathText(empty));
+    EXPECT_EQ(window.Text1->text(), pathText(empty) + QStringLiteral("\\"));
     EXPECT_EQ(window.Label1->text(), QStringLiteral("Veri tabanı bulunamadı.."));
     EXPECT_FALSE(window.Command2->isEnabled());
     const fs::path capitals = folder_->path() / "Eski";
     fs::create_directories(capitals);
     fs::copy_file(rollCallFile(), capitals / "KVL.mdb");
-    window.Dir1->setPath(text(capitals));
+    window.Dir1->setPath(pathText(capitals));
     EXPECT_EQ(window.File1->ListCount(), 1);
-    EXPECT_EQ(window.Text1->text(), text(capitals) + QStringLiteral("\\KVL.mdb"));
+    EXPECT_EQ(window.Text1->text(), pathText(capitals) + QStringLiteral("\\KVL.mdb"));
     EXPECT_EQ(window.Label1->text(), QStringLiteral("Veri tabanı bulunamadı.."));
     EXPECT_FALSE(window.Command2->isEnabled());
 
-    window.Dir1->setPath(text(rollCall_));
-    EXPECT_EQ(window.Text1->text(), text(rollCall_) + QStringLiteral("\\kvl.mdb"));
+    window.Dir1->setPath(pathText(rollCall_));
+    EXPECT_EQ(window.Text1->text(), pathText(rollCall_) + QStringLiteral("\\kvl.mdb"));
     EXPECT_EQ(window.Label1->text(), QStringLiteral("Veri tabanı bulundu"));
     EXPECT_TRUE(window.Command2->isEnabled());
     window.grab().save(QStringLiteral(SOFRAVAN_SCREENSHOT_DIR "/frmbilgial.png"));
@@ -167,14 +160,14 @@ TEST_F(RosterImportTest, ReplacesBothRostersOnceInARun) {
     EXPECT_EQ(ornek[0][2], source[0][2]);
     EXPECT_FALSE(ornek[0][2].isEmpty());
     EXPECT_EQ(exported(school, "Pansiyon"), exported(rollCallFile(), "Pansiyon"));
-    EXPECT_EQ(integrityFaults(school), std::vector<std::string>{});
+    expectSound(school);
 
     // The copy written before the first delete holds the rosters as they were.
     const fs::path backup = folder_->path() / "kvl-yedek-20260914-083005.mdb";
     EXPECT_EQ(backups(folder_->path()), std::vector<std::string>{backup.filename().string()});
     EXPECT_EQ(exported(backup, "ORNEK"), ornekBefore);
     EXPECT_EQ(exported(backup, "Pansiyon"), pansiyonBefore);
-    EXPECT_EQ(integrityFaults(backup), std::vector<std::string>{});
+    expectSound(backup);
 
     // The window stays; a second import in the same run fails before it
     // deletes or copies anything.
@@ -217,14 +210,14 @@ TEST_F(RosterImportTest, FailsPartWayAndTheCopyHoldsTheRostersAsTheyWere) {
 
     frmBilgial& window = open();
     // Typed, not walked to.
-    windows::testing::type(window.Text1, text(rollCall_) + QStringLiteral("/kvl.mdb"));
+    windows::testing::type(window.Text1, pathText(rollCall_) + QStringLiteral("/kvl.mdb"));
     EXPECT_TRUE(window.Command2->isEnabled());
     EXPECT_EQ(import(window), (QStringList{kQuestion, kFailed}));
 
     EXPECT_EQ(exported(school, "ORNEK").size(), 150u);
     const Rows boarders = exported(school, "Pansiyon");
     EXPECT_EQ(boarders, Rows(sourceBoarders.begin(), sourceBoarders.begin() + 20));
-    EXPECT_EQ(integrityFaults(school), std::vector<std::string>{});
+    expectSound(school);
 
     const fs::path backup = folder_->path() / "kvl-yedek-20260914-083005.mdb";
     EXPECT_EQ(exported(backup, "ORNEK"), ornekBefore);
@@ -246,7 +239,7 @@ TEST_F(RosterImportTest, NoImportWithoutTheCopy) {
     fs::create_directory(blocked);
 
     frmBilgial& window = open();
-    window.Dir1->setPath(text(rollCall_));
+    window.Dir1->setPath(pathText(rollCall_));
     const QStringList seen = import(window);
     ASSERT_EQ(seen.size(), 2);
     EXPECT_EQ(seen[0], kQuestion);
@@ -266,7 +259,7 @@ TEST_F(RosterImportTest, NoImportWithoutTheCopy) {
     EXPECT_EQ(import(window), (QStringList{kQuestion, kDone}));
     EXPECT_EQ(exported(school, "ORNEK").size(), 150u);
     EXPECT_EQ(exported(blocked, "ORNEK"), ornekBefore);
-    EXPECT_EQ(integrityFaults(school), std::vector<std::string>{});
+    expectSound(school);
 }
 
 }  // namespace
