@@ -22,6 +22,8 @@
 #include "shell/form1.h"
 #include "shell/form9.h"
 #include "shell/frm_splash.h"
+#include "shell/frmabout.h"
+#include "shell/frmayar.h"
 #include "shell/kit/app_path.h"
 #include "shell/window_registry.h"
 
@@ -107,6 +109,8 @@ void SchoolWindowTest::TearDown() {
     deleteIfLoaded<rosters::resimbul2>();
     deleteIfLoaded<rosters::Form11>();
     deleteIfLoaded<rosters::frmpansiyon>();
+    deleteIfLoaded<shell::FRMAYAR>();
+    deleteIfLoaded<shell::frmAbout>();
     // Windows unloaded during the test go with the events they left.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     shell::setTodayForTests(QDate());
