@@ -20,6 +20,8 @@
 #include "rosters/frmpansiyon.h"
 #include "rosters/kimlik.h"
 #include "shell/clock.h"
+#include "shell/frmabout.h"
+#include "shell/frmayar.h"
 #include "shell/kit/connection_strings.h"
 #include "shell/kit/failure_modes.h"
 #include "shell/load_data_into_file.h"
@@ -258,6 +260,8 @@ QWidget* Form1::buildPermitArea() {
 
 void Form1::connectHandlers() {
     kit::on(cik, &QAction::triggered, this, [this] { cik_Click(); });
+    kit::on(ayarlar, &QAction::triggered, this, [] { showWindow<FRMAYAR>(); });
+    kit::on(about, &QAction::triggered, this, [] { showWindow<frmAbout>(); });
     // The lists, each in its own window, shown and not waited for.
     kit::on(kimlikbas, &QAction::triggered, this, [] { showWindow<rosters::kimlik>(); });
     kit::on(izinliste, &QAction::triggered, this, [] { showWindow<reports::Form2>(); });

@@ -88,6 +88,14 @@ bool ShellExecuteOpen(const QString& file) {
     return QDesktopServices::openUrl(QUrl::fromLocalFile(QDir::cleanPath(kit::localPath(file))));
 }
 
+std::optional<QString> RegGetString(RegistryRoot root, const QString& subKey,
+                                    const QString& valueName) {
+    const auto store = registryStore(root, subKey);
+    if (!store->contains(valueName))
+        return std::nullopt;
+    return store->value(valueName).toString();
+}
+
 void ProgramiKapat() {
     std::_Exit(0);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include <QString>
 
@@ -38,6 +39,13 @@ QString GetOsArchitecture();
 // application the desktop keeps for its kind, without waiting for it.
 // False when the desktop has none or refuses.
 bool ShellExecuteOpen(const QString& file);
+
+// A value under a registry root key as text: a string as stored, a DWORD as
+// its decimal number. Nothing when the key or the value is missing. On
+// platforms without a registry, from the program's own settings store, where
+// RegSetDword writes.
+std::optional<QString> RegGetString(RegistryRoot root, const QString& subKey,
+                                    const QString& valueName);
 
 // Ends the own process at once, exit code 0: nothing is closed or saved.
 [[noreturn]] void ProgramiKapat();

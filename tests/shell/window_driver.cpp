@@ -24,6 +24,8 @@
 #include "shell/form1.h"
 #include "shell/form9.h"
 #include "shell/frm_splash.h"
+#include "shell/frmabout.h"
+#include "shell/frmayar.h"
 #include "shell/kit/app_path.h"
 #include "shell/window_registry.h"
 
@@ -111,6 +113,8 @@ void SchoolWindowTest::TearDown() {
     deleteIfLoaded<rosters::frmpansiyon>();
     deleteIfLoaded<rosters::kimlik>();
     deleteIfLoaded<rosters::gkimlik>();
+    deleteIfLoaded<shell::FRMAYAR>();
+    deleteIfLoaded<shell::frmAbout>();
     // Windows unloaded during the test go with the events they left.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     shell::setTodayForTests(QDate());
