@@ -50,6 +50,10 @@ MessageBoxAnswerer::MessageBoxAnswerer(QString button) : button_(std::move(butto
             // A notice with one button is acknowledged whatever the answer.
             if (candidate->text() == button_ || buttons.size() == 1) {
                 seen << box->text();
+                Box shown{box->windowTitle(), box->text(), box->icon(), {}};
+                for (const QAbstractButton* each : buttons)
+                    shown.buttons << each->text();
+                boxes << shown;
                 candidate->click();
                 return;
             }
