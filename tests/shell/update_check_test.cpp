@@ -4,8 +4,6 @@
 #include <fstream>
 
 #include <QElapsedTimer>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
 
 #include "shell/form1.h"
@@ -14,66 +12,16 @@
 #include "shell/update_check.h"
 #include "shell/window_registry.h"
 #include "store/data_error.h"
+#include "tests/shell/update_site.h"
 #include "tests/shell/window_driver.h"
 
 namespace {
 
+using shell::testing::refusingPage;
+using shell::testing::UpdateSite;
+using shell::testing::versionPage;
 using windows::testing::MessageBoxAnswerer;
 using windows::testing::SchoolWindowTest;
-
-// The maker's update page on the loopback interface: sofravan.html with
-// the given body, or a server that takes the connection and never answers.
-class UpdateSite : public QTcpServer {
-public:
-    explicit UpdateSite(QString body, bool answers = true)
-        : body_(std::move(body)), answers_(answers) {
-        connect(this, &QTcpServer::newConnection, this, &UpdateSite::answer);
-        listen(QHostAddress::LocalHost);
-    }
-    QString page() const {
-        return QStringLiteral("http://127.0.0.1:%1/sofravan.html").arg(serverPort());
-    }
-    int requests = 0;
-
-private:
-    void answer() {
-        while (QTcpSocket* socket = nextPendingConnection()) {
-            ++requests;
-            if (!answers_)
-                continue;  // held open, never answered
-            connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-            connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
-                if (!socket->canReadLine())
-                    return;
-                QObject::disconnect(socket, &QTcpSocket::readyRead, nullptr, nullptr);
-                const QByteArray bytes = body_.toUtf8();
-                socket->write(
-                    "HTTP/1.0 200 OK\r\nContent-Type: text/html; charset=utf-8\r\n"
-                    "Content-Length: " +
-                    QByteArray::number(bytes.size()) + "\r\n\r\n" + bytes);
-                socket->disconnectFromHost();
-            });
-        }
-    }
-    QString body_;
-    bool answers_;
-};
-
-QString versionPage(const QString& value) {
-    return QStringLiteral(
-               "<!DOCTYPE html><html><body><p>Sofravan</p>"
-               "<input type=\"hidden\" id=\"versiyon\" value=\"%1\"></body></html>")
-        .arg(value);
-}
-
-// A loopback port with no server behind it: connections are refused.
-QString refusingPage() {
-    QTcpServer closed;
-    closed.listen(QHostAddress::LocalHost);
-    const quint16 port = closed.serverPort();
-    closed.close();
-    return QStringLiteral("http://127.0.0.1:%1/sofravan.html").arg(port);
-}
 
 const MessageBoxAnswerer::Box kAnnouncement{
     QStringLiteral("Yurtsayim"),
@@ -105,7 +53,6 @@ protected:
     }
     void TearDown() override {
         qunsetenv("SOFRAVAN_UPDATE_PAGE");
-        shell::setInternetForTests(false);
         shell::yenisurumvar = false;
         SchoolWindowTest::TearDown();
     }
@@ -142,7 +89,7 @@ TEST_F(UpdateCheck, PageVersionsDecideTheAnnouncement) {
         bool browserMade = false;
         const QList<MessageBoxAnswerer::Box> boxes = start(site.page(), &browserMade);
         EXPECT_TRUE(browserMade);
-        EXPECT_GE(site.requests, 1);
+        EXPECT_GE(site.requests(), 1);
         EXPECT_EQ(shell::yenisurumvar, each.newer);
         EXPECT_EQ(boxes, each.newer ? QList{kAnnouncement} : QList<MessageBoxAnswerer::Box>{});
     }
@@ -155,7 +102,7 @@ TEST_F(UpdateCheck, OfflineRefusedOrSilentServerAnnouncesNothing) {
     bool browserMade = true;
     EXPECT_TRUE(start(site.page(), &browserMade).isEmpty());
     EXPECT_FALSE(browserMade);
-    EXPECT_EQ(site.requests, 0);
+    EXPECT_EQ(site.requests(), 0);
     EXPECT_FALSE(shell::yenisurumvar);
 
     shell::setInternetForTests(true);
@@ -169,7 +116,7 @@ TEST_F(UpdateCheck, OfflineRefusedOrSilentServerAnnouncesNothing) {
     clock.start();
     EXPECT_TRUE(start(silent.page()).isEmpty());
     EXPECT_GE(clock.elapsed(), shell::kUpdateCheckLimitMs - 100);
-    EXPECT_GE(silent.requests, 1);
+    EXPECT_GE(silent.requests(), 1);
     EXPECT_FALSE(shell::yenisurumvar);
 }
 

@@ -23,6 +23,7 @@
 #include "shell/form9.h"
 #include "shell/frm_splash.h"
 #include "shell/kit/app_path.h"
+#include "shell/platform.h"
 #include "shell/window_registry.h"
 
 namespace windows::testing {
@@ -32,9 +33,13 @@ SchoolFolder::SchoolFolder(const std::filesystem::path& database)
     std::filesystem::copy_file(database, folder_.path() / "kvl.mdb");
     std::filesystem::current_path(folder_.path());
     kit::setAppPathForTests(QString::fromStdString(folder_.path().string()));
+    // No test reaches a network unless it says so: the main window's
+    // update check stays off.
+    shell::setInternetForTests(false);
 }
 
 SchoolFolder::~SchoolFolder() {
+    shell::setInternetForTests(std::nullopt);
     kit::setAppPathForTests(QString());
     std::filesystem::current_path(previous_);
 }

@@ -7,8 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include "shell/platform.h"
-
 int main(int argc, char* argv[]) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     // The browser's engine runs as root here, without a graphics card.
@@ -22,9 +20,6 @@ int main(int argc, char* argv[]) {
         QSettings::setPath(format, QSettings::UserScope, settings.path());
         QSettings::setPath(format, QSettings::SystemScope, settings.path());
     }
-    // No test reaches a network unless it says so: the main window's
-    // update check stays off.
-    shell::setInternetForTests(false);
     testing::InitGoogleTest(&argc, argv);
     // Windows that end the program are run in a fresh copy of the test.
     GTEST_FLAG_SET(death_test_style, "threadsafe");
