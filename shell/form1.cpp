@@ -5,7 +5,6 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMenuBar>
-#include <QProcess>
 #include <QVBoxLayout>
 
 #include "display/form8.h"
@@ -28,6 +27,7 @@
 #include "shell/months.h"
 #include "shell/platform.h"
 #include "shell/program_state.h"
+#include "shell/update_check.h"
 #include "store/data_error.h"
 
 namespace shell {
@@ -45,7 +45,9 @@ Box* labelled(QGridLayout* grid, int row, int column, const QString& caption, Bo
 }
 
 // The search frame both lists share: a class, a first name, a surname, a
-// school number and an identity number, placed in rows of `perRow`.
+// school number and an identity number, placed in rows of `perRow`. The
+// two frames carry the same captions, so each box's accessible name says
+// whose search it is ("Öğrenci arama: Ad").
 struct SearchFrame {
     QGroupBox* frame;
     kit::ComboBox* sinif;
@@ -55,25 +57,27 @@ struct SearchFrame {
     QLineEdit* tc;
 };
 
-SearchFrame searchFrame(int perRow) {
+SearchFrame searchFrame(int perRow, const QString& purpose) {
     SearchFrame boxes{new QGroupBox(QStringLiteral(" Arama Alanı...")),
                       new kit::ComboBox,
                       new QLineEdit,
                       new QLineEdit,
                       new QLineEdit,
                       new QLineEdit};
+    boxes.frame->setAccessibleName(purpose);
     boxes.sinif->setPlaceholderText(QStringLiteral("Sınıf seçiniz...."));
     auto* grid = new QGridLayout(boxes.frame);
     int place = 0;
-    const auto next = [&](const QString& caption, QWidget* box) {
+    const auto next = [&](const QString& caption, const QString& name, QWidget* box) {
         labelled(grid, place / perRow, 2 * (place % perRow), caption, box);
+        box->setAccessibleName(purpose + QStringLiteral(": ") + name);
         ++place;
     };
-    next(QStringLiteral("Sınıf  :"), boxes.sinif);
-    next(QStringLiteral("Ad  :"), boxes.ad);
-    next(QStringLiteral("Soyad  :"), boxes.soyad);
-    next(QStringLiteral("Okul No  :"), boxes.okulNo);
-    next(QStringLiteral("T.C."), boxes.tc);
+    next(QStringLiteral("Sınıf  :"), QStringLiteral("Sınıf"), boxes.sinif);
+    next(QStringLiteral("Ad  :"), QStringLiteral("Ad"), boxes.ad);
+    next(QStringLiteral("Soyad  :"), QStringLiteral("Soyad"), boxes.soyad);
+    next(QStringLiteral("Okul No  :"), QStringLiteral("Okul No"), boxes.okulNo);
+    next(QStringLiteral("T.C."), QStringLiteral("T.C. kimlik no"), boxes.tc);
     return boxes;
 }
 
@@ -163,7 +167,7 @@ QWidget* Form1::buildStudentArea() {
     auto* row = new QHBoxLayout(area);
     row->setContentsMargins(0, 0, 0, 0);
 
-    const SearchFrame students = searchFrame(1);
+    const SearchFrame students = searchFrame(1, QStringLiteral("Öğrenci arama"));
     Frame3 = students.frame;
     Combo1 = students.sinif;
     Text10 = students.ad;
@@ -183,6 +187,7 @@ QWidget* Form1::buildStudentArea() {
         labelled(view, 3, 0, QStringLiteral("Sınıfı"), boundBox(ornek, QStringLiteral("SINIF")));
     Text24 =
         labelled(view, 4, 0, QStringLiteral("T.C."), boundBox(ornek, QStringLiteral("TCKimlikno")));
+    Text24->setAccessibleName(QStringLiteral("Öğrencinin T.C. kimlik no"));
     ornekBar = new kit::NavigationBar(ornek);
     view->addWidget(ornekBar, 5, 0, 1, 2);
     Image1 = new QLabel;
@@ -217,7 +222,7 @@ QWidget* Form1::buildPermitArea() {
     column->setContentsMargins(0, 0, 0, 0);
 
     auto* top = new QHBoxLayout;
-    const SearchFrame permits = searchFrame(3);
+    const SearchFrame permits = searchFrame(3, QStringLiteral("İzin listesinde arama"));
     Frame1 = permits.frame;
     Combo3 = permits.sinif;
     Text3 = permits.ad;
@@ -230,7 +235,8 @@ QWidget* Form1::buildPermitArea() {
     Option1 = new QRadioButton(QStringLiteral("Tüm kayıtlar"));
     Option2 = new QRadioButton(QStringLiteral("Bu ayki kayıtlar"));
     Label16 = new QLabel;
-    Label16->setAccessibleName(QStringLiteral("Kayıt sayısı"));
+    // Read out as the number it shows, with what it counts.
+    Label16->setAccessibleDescription(QStringLiteral("Listedeki kayıt sayısı"));
     choices->addWidget(Option1);
     choices->addWidget(Option2);
     choices->addWidget(Label16);
@@ -262,6 +268,7 @@ void Form1::connectHandlers() {
     kit::on(cik, &QAction::triggered, this, [this] { cik_Click(); });
     kit::on(ayarlar, &QAction::triggered, this, [] { showWindow<FRMAYAR>(); });
     kit::on(about, &QAction::triggered, this, [] { showWindow<frmAbout>(); });
+    kit::on(ogrencial, &QAction::triggered, this, [this] { ogrencial_Click(); });
     // The lists, each in its own window, shown and not waited for.
     kit::on(kimlikbas, &QAction::triggered, this, [] { showWindow<rosters::kimlik>(); });
     kit::on(izinliste, &QAction::triggered, this, [] { showWindow<reports::Form2>(); });
@@ -344,46 +351,65 @@ void Form1::Form_Load() {
         }
     });
     kit::skip([this] { setWindowTitle(QStringLiteral("Sofravan ") + versionText()); });
-    kit::skip([this] {
-        store::Recordset& classes = Adodc1.Recordset();
-        for (kit::ComboBox* combo : {Combo1, Combo3}) {
-            combo->addItem(QStringLiteral("Tümü"));
-            const long rounds = classes.recordCount();
-            for (long round = 0; round < rounds; ++round) {
-                // A Null class adds nothing; the round goes on.
-                kit::skip([&] {
-                    const jet::Value name = classes.field(std::size_t{0});
-                    if (name.isNull())
-                        throw store::DataError("invalid use of Null");
-                    combo->addItem(QString::fromStdU16String(name.asText()));
-                });
-                kit::skip([&] { classes.moveNext(); });
-            }
-            kit::skip([&] { classes.moveFirst(); });
+    // The class lists, statement by statement: without Adodc1's rows both
+    // still begin with "Tümü".
+    for (kit::ComboBox* combo : {Combo1, Combo3}) {
+        kit::skip([combo] { combo->addItem(QStringLiteral("Tümü")); });
+        long rounds = 0;
+        kit::skip([this, &rounds] { rounds = Adodc1.Recordset().recordCount(); });
+        for (long round = 0; round < rounds; ++round) {
+            // A Null class adds nothing; the round goes on.
+            kit::skip([this, combo] {
+                const jet::Value name = Adodc1.Recordset().field(std::size_t{0});
+                if (name.isNull())
+                    throw store::DataError("invalid use of Null");
+                combo->addItem(QString::fromStdU16String(name.asText()));
+            });
+            kit::skip([this] { Adodc1.Recordset().moveNext(); });
         }
-    });
-    kit::skip([this] {
-        Combo2->addItems(aylar());
-        Combo2->setCurrentText(ayAdi(today().month()));
-    });
+        kit::skip([this] { Adodc1.Recordset().moveFirst(); });
+    }
+    kit::skip([this] { Combo2->addItems(aylar()); });
+    kit::skip([this] { Combo2->setCurrentText(ayAdi(today().month())); });
     kit::skip([this] { Label16->setText(QString::number(izinler.Recordset().recordCount())); });
-    kit::skip([this] {
+    // The school's name, statement by statement: a failing query still
+    // leaves the shared connection closed and released.
+    jet::Value okul;
+    kit::skip([] {
         if (!baglanti)
             baglanti = std::make_unique<store::Connection>();
+    });
+    kit::skip([] {
+        baglanti->Open(kit::absoluteConnectionString(QStringLiteral("kvl.mdb")).toStdString());
+    });
+    kit::skip([] {
         if (!kayit)
             kayit = std::make_unique<store::Recordset>();
-        baglanti->Open(kit::absoluteConnectionString(QStringLiteral("kvl.mdb")).toStdString());
+    });
+    kit::skip([] {
         kayit->open(u"SELECT* from AYAR", *baglanti, store::CursorType::Keyset,
                     store::LockType::Optimistic, -1);
-        const jet::Value okul = kayit->field(u"OKUL");
-        kayit->close();
-        baglanti->Close();
-        kayit.reset();
-        baglanti.reset();
-        Text12->setText(okul.isNull() ? QString() : QString::fromStdU16String(okul.asText()));
     });
-    // The update check comes with its own window; without a network it is
-    // skipped as the original skips it.
+    kit::skip([&okul] { okul = kayit->field(u"OKUL"); });
+    kit::skip([] { kayit->close(); });
+    kit::skip([] { baglanti->Close(); });
+    kayit.reset();
+    baglanti.reset();
+    kit::skip([this, &okul] {
+        if (okul.isNull())
+            throw store::DataError("invalid use of Null");
+        Text12->setText(QString::fromStdU16String(okul.asText()));
+    });
+    kit::skip([this] {
+        if (!internetvarmi())
+            return;
+        if (wb == nullptr) {
+            wb = new kit::WebBrowser(centralWidget());
+            wb->setObjectName(QStringLiteral("wb"));
+            wb->hide();
+        }
+        guncellemeKontrol(*wb);
+    });
 }
 
 void Form1::closeEvent(QCloseEvent* event) {
@@ -392,15 +418,21 @@ void Form1::closeEvent(QCloseEvent* event) {
 }
 
 void Form1::Form_Unload() {
-    if (yenisurumvar) {
-        QProcess::startDetached(inAppPath(QStringLiteral("tazele.exe")), {QStringLiteral("-z")},
-                                appPath());
-    }
+    if (yenisurumvar)
+        Shell(outsideProgram(QStringLiteral("tazele")), {QStringLiteral("-z")},
+              WindowStyle::NormalFocus);
     ProgramiKapat();
 }
 
 void Form1::cik_Click() {
     ProgramiKapat();
+}
+
+// The outside tool that takes the students from e-Okul; it is not waited
+// for.
+void Form1::ogrencial_Click() {
+    Shell(outsideProgram(QStringLiteral("ogrencicek")), {QStringLiteral("-oha")},
+          WindowStyle::MinimizedFocus);
 }
 
 void Form1::Command2_Click() {

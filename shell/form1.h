@@ -13,6 +13,7 @@
 #include "shell/kit/data_control.h"
 #include "shell/kit/data_grid.h"
 #include "shell/kit/navigation_bar.h"
+#include "shell/kit/web_browser.h"
 
 namespace shell {
 
@@ -34,6 +35,9 @@ public:
     QLineEdit* Text12;
     kit::BoundTextBox* Text13;
     kit::DataGrid* DataGrid2;
+    // The update check's browser, hidden; made when the check runs, so that
+    // a start without a network does not start the browser's engine.
+    kit::WebBrowser* wb = nullptr;
 
     // Student search.
     QGroupBox* Frame3;
@@ -101,6 +105,7 @@ public:
     void Form_Load();
     void Form_Unload();
     void cik_Click();
+    void ogrencial_Click();
     void Command2_Click();
     void Command3_Click();
 

@@ -10,6 +10,7 @@
 #include "shell/scramble.h"
 #include "shell/stored_password.h"
 #include "shell/window_registry.h"
+#include "shell/window_role.h"
 #include "store/data_error.h"
 
 namespace shell {
@@ -39,6 +40,8 @@ void login(Form9& window) {
 Form9::Form9() {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(QStringLiteral("Giriş"));
+    setAccessibleRole(this, QAccessible::Dialog);
+    setAccessibleDescription(QStringLiteral("Sofravan'a giriş: şifrenizi yazıp Tamam'a basınız."));
     Text1 = new QLineEdit;
     Text1->setEchoMode(QLineEdit::Password);
     Text1->setAccessibleName(QStringLiteral("Şifre"));

@@ -8,6 +8,7 @@
 #include "shell/program_state.h"
 #include "shell/stored_password.h"
 #include "shell/window_registry.h"
+#include "shell/window_role.h"
 
 namespace shell {
 
@@ -15,6 +16,8 @@ frmSplash::frmSplash() {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowFlags(Qt::SplashScreen);
     setWindowTitle(QStringLiteral("Sofravan"));
+    setAccessibleRole(this, QAccessible::Window);
+    setAccessibleName(QStringLiteral("Sofravan açılış ekranı"));
     lblProductName = new QLabel(QStringLiteral("Sofravan"));
     QFont big = lblProductName->font();
     big.setPointSize(28);
@@ -37,6 +40,7 @@ frmSplash::frmSplash() {
 
 void frmSplash::Form_Load() {
     lblVersion->setText(QStringLiteral("Version ") + versionText());
+    setAccessibleDescription(QStringLiteral("Program açılıyor, ") + lblVersion->text());
 }
 
 void frmSplash::Timer1_Timer() {

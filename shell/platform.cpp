@@ -9,14 +9,25 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QNetworkInformation>
+#include <QProcess>
 #include <QSettings>
 #include <QSysInfo>
 #include <QUrl>
 
 #include "shell/kit/app_path.h"
+#include "shell/kit/failure_modes.h"
+
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
 
 namespace shell {
 namespace {
+
+std::optional<bool>& internetForTests() {
+    static std::optional<bool> online;
+    return online;
+}
 
 QString registryPath(RegistryRoot root, const QString& subKey) {
     const QString rootName = root == RegistryRoot::LocalMachine
@@ -54,6 +65,8 @@ bool DosyaVarmı(const QString& path) {
 }
 
 bool internetvarmi() {
+    if (internetForTests())
+        return *internetForTests();
     if (!QNetworkInformation::loadDefaultBackend())
         return false;
     const QNetworkInformation* network = QNetworkInformation::instance();
@@ -61,10 +74,18 @@ bool internetvarmi() {
            network->reachability() == QNetworkInformation::Reachability::Online;
 }
 
+void setInternetForTests(std::optional<bool> online) {
+    internetForTests() = online;
+}
+
+QVariant registryDword(std::uint32_t value) {
+    return QVariant::fromValue(static_cast<quint32>(value));
+}
+
 void RegSetDword(RegistryRoot root, const QString& subKey, const QString& valueName,
                  std::uint32_t value) {
     const auto store = registryStore(root, subKey);
-    store->setValue(valueName, static_cast<qulonglong>(value));
+    store->setValue(valueName, registryDword(value));
     store->sync();
 }
 
@@ -94,6 +115,31 @@ std::optional<QString> RegGetString(RegistryRoot root, const QString& subKey,
     if (!store->contains(valueName))
         return std::nullopt;
     return store->value(valueName).toString();
+}
+
+QString outsideProgram(const QString& name) {
+#ifdef Q_OS_WIN
+    return inAppPath(name + QStringLiteral(".exe"));
+#else
+    return inAppPath(name);
+#endif
+}
+
+void Shell(const QString& program, const QStringList& arguments, WindowStyle style) {
+    QProcess process;
+    process.setProgram(program);
+    process.setArguments(arguments);
+#ifdef Q_OS_WIN
+    process.setCreateProcessArgumentsModifier([style](QProcess::CreateProcessArguments* start) {
+        start->startupInfo->dwFlags |= STARTF_USESHOWWINDOW;
+        start->startupInfo->wShowWindow =
+            style == WindowStyle::MinimizedFocus ? SW_SHOWMINIMIZED : SW_SHOWNORMAL;
+    });
+#else
+    static_cast<void>(style);
+#endif
+    if (!process.startDetached())
+        throw kit::RunTimeError(53, "File not found");
 }
 
 void ProgramiKapat() {

@@ -1,8 +1,8 @@
 #include "shell/scramble.h"
 
+#include <algorithm>
 #include <cstdint>
 
-#include "shell/kit/vb_number.h"
 #include "shell/kit/windows1254.h"
 
 namespace shell {
@@ -14,6 +14,17 @@ namespace {
 std::uint8_t keyByteFor(QStringView key, qsizetype index) {
     const qsizetype position = (index + 1) % key.size() + 1;
     return kit::windows1254Byte(key[position - 1]);
+}
+
+// A pair of hexadecimal digits (a last pair may be one digit); anything
+// else reads 0.
+std::uint8_t pairValue(QStringView pair) {
+    const auto hexDigit = [](QChar c) {
+        return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
+    };
+    if (pair.isEmpty() || !std::all_of(pair.begin(), pair.end(), hexDigit))
+        return 0;
+    return static_cast<std::uint8_t>(pair.toUInt(nullptr, 16));
 }
 
 }  // namespace
@@ -34,9 +45,7 @@ QString sifrecoz(QStringView key, QStringView hex) {
     QString text;
     text.reserve(rounds);
     for (qsizetype i = 0; i < rounds; ++i) {
-        const QString pair = QStringLiteral("&H") + hex.mid(2 * i, 2).toString();
-        const auto value = static_cast<std::uint8_t>(kit::Val(pair));
-        text += kit::windows1254Char(value ^ keyByteFor(key, i));
+        text += kit::windows1254Char(pairValue(hex.mid(2 * i, 2)) ^ keyByteFor(key, i));
     }
     return text;
 }

@@ -27,8 +27,7 @@ QString sifrele(QStringView key, QStringView text);
 
 // The number of pairs read is half the length rounded half to even, as the
 // original's rounding does: "ABC" is read as two pairs, "ABCDE" as two.
-// A pair is read like the runtime's Val of "&H" and the pair: up to its
-// first non-hexadecimal character, so "ZZ" and "Z1" read 0, "1Z" reads 1.
+// A pair that is not hexadecimal reads 0: "ZZ", "Z1" and "1Z" alike.
 // REQUIRES: key is not empty.
 QString sifrecoz(QStringView key, QStringView hex);
 

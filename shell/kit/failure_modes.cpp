@@ -15,9 +15,11 @@ namespace {
 
 // Errors of the data layer carry the provider's number, the engine's own
 // that of a failed command; an arithmetic overflow is the runtime's 6, a
-// file that cannot be written its 75, anything else the platform's
-// "invalid procedure call".
+// file that cannot be written its 75, the runtime's own errors their
+// number, anything else the platform's "invalid procedure call".
 QString errorNumber(const std::exception& error) {
+    if (const auto* runTimeError = dynamic_cast<const RunTimeError*>(&error))
+        return QString::number(runTimeError->number());
     if (dynamic_cast<const std::overflow_error*>(&error) != nullptr)
         return QStringLiteral("6");
     if (dynamic_cast<const FileAccessError*>(&error) != nullptr)

@@ -2,11 +2,25 @@
 
 #include <exception>
 #include <functional>
+#include <stdexcept>
+#include <string>
 
 #include <QObject>
 #include <QString>
 
 namespace kit {
+
+// A failure of the runtime itself, with its number: 53 "File not found"
+// when a program to start is missing.
+class RunTimeError : public std::runtime_error {
+public:
+    RunTimeError(int number, const std::string& description)
+        : std::runtime_error(description), number_(number) {}
+    int number() const { return number_; }
+
+private:
+    int number_;
+};
 
 // The four ways a handler of the program meets a failure. Every handler
 // runs through one of them, so no exception crosses Qt's event loop.

@@ -109,8 +109,10 @@ QVariant WebBrowser::evaluate(const QString& functionBody, int timeoutMs) {
 void Wait(const WebBrowser& browser) {
     QCoreApplication::processEvents();
     QCoreApplication::processEvents();
+    // Busy changes only through an event, so the loop sleeps until one
+    // comes rather than turning on an empty queue.
     while (browser.Busy())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
 }  // namespace kit

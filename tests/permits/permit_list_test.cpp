@@ -4,8 +4,10 @@
 
 #include "shell/clock.h"
 #include "shell/form1.h"
+#include "shell/kit/vb_number.h"
 #include "shell/window_registry.h"
 #include "store/jet/database.h"
+#include "store/jet/integrity_check.h"
 #include "tests/shell/window_driver.h"
 
 namespace {
@@ -52,6 +54,26 @@ TEST_F(PermitList, OptionsAndSearchBoxesNarrowAndLabel16KeepsItsCount) {
     EXPECT_EQ(list.recordCount(), all);
     EXPECT_TRUE(form.Option2->isChecked());
 
+    // The surname by its trimmed prefix, the identity number as a number:
+    // the first row's own values find it.
+    list.moveFirst();
+    const QString surname = QString::fromStdU16String(list.field(u"Soyadi").asText());
+    const QString identity = kit::plainNumber(list.field(u"TCKimlikNo").asDouble());
+    windows::testing::type(form.Text7, QStringLiteral(" ") + surname.left(2));
+    EXPECT_EQ(QString::fromStdU16String(list.filter()),
+              QStringLiteral(" Soyadi like '") + surname.left(2) + QStringLiteral("%'"));
+    EXPECT_GT(list.recordCount(), 0);
+    EXPECT_LT(list.recordCount(), all);
+    form.Text7->clear();
+    EXPECT_EQ(list.recordCount(), all);
+    QTest::keyClicks(form.Text8, identity + QStringLiteral("x"));
+    EXPECT_EQ(QString::fromStdU16String(list.filter()), QStringLiteral("TCKimlikno=") + identity);
+    EXPECT_GE(list.recordCount(), 1);
+    EXPECT_EQ(kit::plainNumber(list.field(u"TCKimlikNo").asDouble()), identity);
+    form.Text8->clear();
+    EXPECT_EQ(list.recordCount(), all);
+    EXPECT_TRUE(list.filter().empty());
+
     // A new month with no registrations: an empty list, and a count of 0.
     shell::setTodayForTests(QDate(2030, 1, 2));
     form.Option1->setChecked(true);
@@ -68,6 +90,12 @@ TEST_F(PermitList, DeletionsAskAndReloadWhateverTheAnswer) {
     const std::size_t before = storedPermits();
     shell::Form1& form = shell::instance<shell::Form1>();
     store::Recordset& list = form.izinler.Recordset();
+    const auto question = [](const char* text) {
+        return MessageBoxAnswerer::Box{QStringLiteral("Sofravan"),
+                                       QString::fromUtf8(text),
+                                       QMessageBox::Question,
+                                       {QStringLiteral("Evet"), QStringLiteral("Hayır")}};
+    };
 
     // No: nothing deleted, but the class filter is gone.
     const QString someClass = form.Combo3->itemText(1);
@@ -76,7 +104,7 @@ TEST_F(PermitList, DeletionsAskAndReloadWhateverTheAnswer) {
     {
         MessageBoxAnswerer no(QStringLiteral("Hayır"));
         QTest::mouseClick(form.Command5, Qt::LeftButton);
-        EXPECT_EQ(no.seen, QStringList{QStringLiteral("Seçili kayıt silinsin mi?")});
+        EXPECT_EQ(no.boxes, QList{question("Seçili kayıt silinsin mi?")});
     }
     EXPECT_EQ(list.recordCount(), static_cast<long>(before));
     EXPECT_EQ(form.Combo3->currentText(), someClass);
@@ -92,6 +120,28 @@ TEST_F(PermitList, DeletionsAskAndReloadWhateverTheAnswer) {
     EXPECT_EQ(exportedPermits(), before - 1);
     EXPECT_EQ(list.recordCount(), static_cast<long>(before - 1));
 
+    // Yes on an empty list: the deletion fails, the handler ends there and
+    // the list is not reloaded, so its filter stays.
+    QTest::keyClicks(form.Text8, QStringLiteral("1"));
+    ASSERT_EQ(list.recordCount(), 0);
+    {
+        MessageBoxAnswerer yes(QStringLiteral("Evet"));
+        QTest::mouseClick(form.Command5, Qt::LeftButton);
+        EXPECT_EQ(yes.seen.size(), 1);
+    }
+    EXPECT_EQ(QString::fromStdU16String(list.filter()), QStringLiteral("TCKimlikno=1"));
+    EXPECT_EQ(storedPermits(), before - 1);
+
+    // No at "Tümünü Sil": nothing deleted, the filter gone.
+    form.Combo3->setListIndex(1);
+    {
+        MessageBoxAnswerer no(QStringLiteral("Hayır"));
+        QTest::mouseClick(form.Command4, Qt::LeftButton);
+        EXPECT_EQ(no.boxes, QList{question("Tüm seçili kayıtlar silinsin mi?")});
+    }
+    EXPECT_EQ(list.recordCount(), static_cast<long>(before - 1));
+    EXPECT_EQ(storedPermits(), before - 1);
+
     // "Tümünü Sil" in a filtered list, from its second row: the filtered
     // count of rounds runs out of rows, the first row stays.
     form.Combo3->setListIndex(1);
@@ -101,12 +151,25 @@ TEST_F(PermitList, DeletionsAskAndReloadWhateverTheAnswer) {
     {
         MessageBoxAnswerer yes(QStringLiteral("Evet"));
         QTest::mouseClick(form.Command4, Qt::LeftButton);
-        EXPECT_EQ(yes.seen, QStringList{QStringLiteral("Tüm seçili kayıtlar silinsin mi?")});
     }
-    EXPECT_EQ(storedPermits(), before - 1 - static_cast<std::size_t>(inClass - 1));
-    EXPECT_EQ(exportedPermits(), storedPermits());
+    const std::size_t left = before - 1 - static_cast<std::size_t>(inClass - 1);
+    EXPECT_EQ(storedPermits(), left);
+    EXPECT_EQ(exportedPermits(), left);
     form.Combo3->setListIndex(1);
     EXPECT_EQ(list.recordCount(), 1);
+
+    // Without a filter, from the first row: every permit of every month.
+    form.Combo3->setListIndex(0);
+    list.moveFirst();
+    {
+        MessageBoxAnswerer yes(QStringLiteral("Evet"));
+        QTest::mouseClick(form.Command4, Qt::LeftButton);
+    }
+    EXPECT_EQ(storedPermits(), 0U);
+    EXPECT_EQ(exportedPermits(), 0U);
+    EXPECT_EQ(list.recordCount(), 0);
+    EXPECT_EQ(jet::checkIntegrity(jet::Database(folder_->database().string()).file()),
+              std::vector<std::string>{});
 }
 
 }  // namespace

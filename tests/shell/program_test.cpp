@@ -2,7 +2,10 @@
 
 #include <fstream>
 
+#include <QApplication>
+#include <QDir>
 #include <QFile>
+#include <QSettings>
 #include <QTest>
 
 #include "shell/clock.h"
@@ -17,6 +20,7 @@
 namespace {
 
 using windows::testing::kvlFixture;
+using windows::testing::MessageBoxAnswerer;
 using windows::testing::SchoolFolder;
 
 TEST(Program, MonthDaysFollowThePresentYearForFebruary) {
@@ -64,6 +68,17 @@ TEST(Program, FileLookupsRegistryAndTheSampleWorkbook) {
     EXPECT_EQ(
         shell::RegGetDword(shell::RegistryRoot::LocalMachine, key, QStringLiteral("sofravan.exe")),
         11000);
+    shell::RegSetDword(shell::RegistryRoot::CurrentUser, key, QStringLiteral("en büyük"),
+                       0xFFFFFFFF);
+    EXPECT_EQ(shell::RegGetDword(shell::RegistryRoot::CurrentUser, key, QStringLiteral("en büyük")),
+              0xFFFFFFFF);
+    // A 32-bit number, which the Windows registry keeps as REG_DWORD.
+    EXPECT_EQ(shell::registryDword(11000).metaType(), QMetaType::fromType<quint32>());
+    // Written to the tests' own settings folder, not the user's.
+    EXPECT_TRUE(QSettings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("Sofravan"),
+                          QStringLiteral("registry"))
+                    .fileName()
+                    .startsWith(QDir::tempPath()));
 }
 
 TEST(Program, MenuTreeCarriesEveryItemAndTheSharedConnectionOpensQuietly) {
@@ -96,8 +111,12 @@ TEST(Program, MenuTreeCarriesEveryItemAndTheSharedConnectionOpensQuietly) {
         ASSERT_NE(action, nullptr) << name;
         EXPECT_EQ(action->text(), QString::fromUtf8(caption)) << name;
     }
+    // "Puantaj" is switched off: choosing it opens nothing.
     EXPECT_FALSE(form.rasyon->isEnabled());
-    form.ayarlar->trigger();  // its window does not exist yet: nothing happens
+    const QWidgetList windowsBefore = QApplication::topLevelWidgets();
+    form.rasyon->trigger();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(QApplication::topLevelWidgets(), windowsBefore);
     delete &form;
 
     shell::baglantiac();
@@ -110,35 +129,37 @@ TEST(Program, MenuTreeCarriesEveryItemAndTheSharedConnectionOpensQuietly) {
     shell::baglanti.reset();
 }
 
-// Closing the main window starts the updater when a new version was
-// announced; leaving by "Çıkış" never does.
-TEST(Program, OnlyClosingTheMainWindowStartsTheUpdater) {
+// "e okul öğrenci bilgilerini al" starts the outside tool beside the
+// program and goes on; without the tool the run-time error report ends the
+// program.
+TEST(Program, StudentToolStartsAndAMissingOneEndsTheProgram) {
     SKIP_WITHOUT_FIXTURES();
     SchoolFolder folder(kvlFixture());
-    const std::filesystem::path marker = folder.path() / "updater-ran";
-    const std::filesystem::path updater = folder.path() / "tazele.exe";
+    const std::filesystem::path marker = folder.path() / "tool-ran";
+    const std::filesystem::path tool = folder.path() / "ogrencicek";
     {
-        std::ofstream script(updater);
-        script << "#!/bin/sh\necho \"$1\" > '" << marker.string() << "'\n";
+        std::ofstream script(tool);
+        script << "#!/bin/sh\necho \"$@\" > '" << marker.string() << ".part' && mv '"
+               << marker.string() << ".part' '" << marker.string() << "'\n";
     }
-    std::filesystem::permissions(updater, std::filesystem::perms::owner_all);
-    shell::yenisurumvar = true;
-    // The ending runs in a forked copy of this process, which shares the
-    // folder (a fresh run of the test would make another one).
-    GTEST_FLAG_SET(death_test_style, "fast");
-
-    EXPECT_EXIT(shell::instance<shell::Form1>().cik->trigger(), ::testing::ExitedWithCode(0), "");
-    QTest::qWait(300);
-    EXPECT_FALSE(std::filesystem::exists(marker));
-
-    EXPECT_EXIT(shell::instance<shell::Form1>().close(), ::testing::ExitedWithCode(0), "");
+    std::filesystem::permissions(tool, std::filesystem::perms::owner_all);
+    shell::Form1& form = shell::instance<shell::Form1>();
+    form.ogrencial->trigger();
     ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(marker); }, 3000));
-    std::ifstream argument(marker);
-    std::string word;
-    argument >> word;
-    EXPECT_EQ(word, "-z");
-    shell::yenisurumvar = false;
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    std::ifstream arguments(marker);
+    std::string line;
+    std::getline(arguments, line);
+    EXPECT_EQ(line, "-oha");
+    EXPECT_TRUE(shell::isLoaded<shell::Form1>());
+
+    std::filesystem::remove(tool);
+    EXPECT_EXIT(
+        {
+            MessageBoxAnswerer answerer;
+            form.ogrencial->trigger();
+        },
+        ::testing::ExitedWithCode(1), "Run-time error '53':\n\nFile not found");
+    delete &form;
 }
 
 }  // namespace

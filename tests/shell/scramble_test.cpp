@@ -71,9 +71,10 @@ TEST(ScrambleTest, BadStoredValuesReadAsFarAsTheyGo) {
     EXPECT_EQ(sifrecoz(scrambleKey, u"970F0"), u"ab");
     EXPECT_EQ(sifrecoz(scrambleKey, u"970F0F0"), u"abce");  // 0^65 = 'e'
     EXPECT_EQ(sifrecoz(scrambleKey, u"970f0f"), u"abc");
-    // A pair reads up to its first non-hexadecimal character.
+    // A pair that is not hexadecimal reads 0, whatever its first digit.
     EXPECT_EQ(sifrecoz(scrambleKey, u"ZZ"), u"ö");  // 00^F6
-    EXPECT_EQ(sifrecoz(scrambleKey, u"1Z"), u"÷");  // 01^F6 = F7
+    EXPECT_EQ(sifrecoz(scrambleKey, u"1Z"), u"ö");
+    EXPECT_EQ(sifrecoz(scrambleKey, u"Z1970F"), u"öúc");  // 97^6D = FA, 0F^6C = 63
 }
 
 }  // namespace

@@ -27,6 +27,7 @@
 #include "shell/frmabout.h"
 #include "shell/frmayar.h"
 #include "shell/kit/app_path.h"
+#include "shell/platform.h"
 #include "shell/window_registry.h"
 
 namespace windows::testing {
@@ -36,9 +37,13 @@ SchoolFolder::SchoolFolder(const std::filesystem::path& database)
     std::filesystem::copy_file(database, folder_.path() / "kvl.mdb");
     std::filesystem::current_path(folder_.path());
     kit::setAppPathForTests(QString::fromStdString(folder_.path().string()));
+    // No test reaches a network unless it says so: the main window's
+    // update check stays off.
+    shell::setInternetForTests(false);
 }
 
 SchoolFolder::~SchoolFolder() {
+    shell::setInternetForTests(std::nullopt);
     kit::setAppPathForTests(QString());
     std::filesystem::current_path(previous_);
 }
@@ -54,6 +59,10 @@ MessageBoxAnswerer::MessageBoxAnswerer(QString button) : button_(std::move(butto
             // A notice with one button is acknowledged whatever the answer.
             if (candidate->text() == button_ || buttons.size() == 1) {
                 seen << box->text();
+                Box shown{box->windowTitle(), box->text(), box->icon(), {}};
+                for (const QAbstractButton* each : buttons)
+                    shown.buttons << each->text();
+                boxes << shown;
                 candidate->click();
                 return;
             }

@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <memory>
 
+#include <QList>
+#include <QMessageBox>
 #include <QStringList>
 #include <QTimer>
 #include <QWidget>
@@ -34,7 +36,16 @@ private:
 class MessageBoxAnswerer {
 public:
     explicit MessageBoxAnswerer(QString button = QStringLiteral("Tamam"));
-    QStringList seen;
+    // A box as the user saw it.
+    struct Box {
+        QString title;
+        QString text;
+        QMessageBox::Icon icon = QMessageBox::NoIcon;
+        QStringList buttons;
+        friend bool operator==(const Box&, const Box&) = default;
+    };
+    QStringList seen;  // the texts
+    QList<Box> boxes;
 
 private:
     QString button_;
