@@ -93,8 +93,7 @@ void copyTable(const Database& original, const TableDefinition& source, const Ca
         // Rows were written with their own AutoNumbers: the next one stays
         // where the original left it, so that no number is given twice.
         Page& definition = statement.change(table.page);
-        std::memcpy(definition.data() + format::tdef::kAutoNumberOffset, &source.nextAutoNumber,
-                    4);
+        std::memcpy(definition.data() + format::tdef::kAutoNumberOffset, &source.nextAutoNumber, 4);
     });
 }
 
@@ -151,7 +150,8 @@ void writeCopy(const std::string& in, const std::string& temporary, std::u16stri
     checkPassword(header, password, in);
     if (header.codePage != format::header::kCodePageWestern ||
         header.sortOrder != format::kSortGeneral) {
-        throw Error("cannot compact " + in + ": only databases of code page 1252 in the General "
+        throw Error("cannot compact " + in +
+                    ": only databases of code page 1252 in the General "
                     "sort order are written");
     }
 
@@ -179,8 +179,10 @@ void writeCopy(const std::string& in, const std::string& temporary, std::u16stri
 
 void compactDatabase(const std::string& in, const std::string& out, std::u16string_view password) {
     std::error_code error;
-    if (fs::exists(out, error) || error)
+    if (fs::exists(out, error))
         throw Error("cannot write " + out + ": the file exists");
+    if (error)
+        throw Error("cannot write " + out + ": " + error.message());
     const std::shared_ptr<LockFile> alone = ensureNotInUse(in);
 
     const std::string temporary = out + ".compacting";

@@ -12,9 +12,13 @@
 namespace jet {
 namespace {
 
-std::uint64_t rowNumber(RowId row) { return (std::uint64_t{row.page} << 16) | row.row; }
+std::uint64_t rowNumber(RowId row) {
+    return (std::uint64_t{row.page} << 16) | row.row;
+}
 
-bool rowBefore(RowId a, RowId b) { return rowNumber(a) < rowNumber(b); }
+bool rowBefore(RowId a, RowId b) {
+    return rowNumber(a) < rowNumber(b);
+}
 
 }  // namespace
 

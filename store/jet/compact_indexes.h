@@ -25,7 +25,8 @@ public:
     // REQUIRES: all outlive this; sourceRealIndexes[i] is the real index of
     // `source` that real index i of `table` copies.
     CompactedIndexes(const PageSource& original, const TableDefinition& source,
-                     const TableDefinition& table, const std::vector<std::size_t>& sourceRealIndexes);
+                     const TableDefinition& table,
+                     const std::vector<std::size_t>& sourceRealIndexes);
 
     // The entries of a row copied from `sourceRow` to `row`. Throws Error
     // for a Null in a primary key or required index, or a value that can be

@@ -56,7 +56,8 @@ std::shared_ptr<LockFile> ensureNotInUse(const std::string& path) {
     if (!alone)
         throw InUseError("the database " + path + " is open in another copy of the program");
     if (jetUserSlotHeld(path))
-        throw InUseError("the database " + path + " is open in a Jet program (its .ldb has a user)");
+        throw InUseError("the database " + path +
+                         " is open in a Jet program (its .ldb has a user)");
     return alone;
 }
 
