@@ -13,8 +13,10 @@
 #include "database.h"
 #include "error.h"
 #include "format.h"
+#include "header.h"
 #include "in_use.h"
 #include "journal.h"
+#include "page_file.h"
 #include "table_writer.h"
 #include "text.h"
 
@@ -183,6 +185,8 @@ void compactDatabase(const std::string& in, const std::string& out, std::u16stri
         throw Error("cannot write " + out + ": the file exists");
     if (error)
         throw Error("cannot write " + out + ": " + error.message());
+    // Something that is no database gets no lock file beside it.
+    readHeader(PageFile(in, PageFile::Mode::ReadOnly));
     const std::shared_ptr<LockFile> alone = ensureNotInUse(in);
 
     const std::string temporary = out + ".compacting";

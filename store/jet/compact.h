@@ -17,8 +17,10 @@ namespace jet {
 //
 // Nobody may have `in` open (see ensureNotInUse), and copies of the program
 // cannot open it until compaction ends. The copy is written beside `out`
-// and renamed to it at the end: `out` appears whole or not at all. An
-// existing `out` is refused, so that no database is ever overwritten.
+// (as "OUT.compacting", which an interrupted compaction may leave and the
+// next one removes) and renamed to it at the end: `out` appears whole or not
+// at all. An existing `out` is refused, so that no database is ever
+// overwritten.
 //
 // Throws InUseError when `in` is in use; Error when `in` is no readable Jet 4
 // database, `password` is not its password (it must be given when it has

@@ -30,8 +30,10 @@ bool jetUserSlotHeld(const std::string& path) {
     const std::string ldb = std::filesystem::path(path).replace_extension(".ldb").string();
     // The only raw system calls of the compaction: testing a lock takes none.
     const int fd = ::open(ldb.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0)
+    if (fd < 0 && errno == ENOENT)
         return false;  // no .ldb: Jet has no user in the database
+    if (fd < 0)
+        throw Error("cannot read " + ldb + ": " + std::strerror(errno));
     struct flock lock {};
     lock.l_type = F_WRLCK;
     lock.l_whence = SEEK_SET;
