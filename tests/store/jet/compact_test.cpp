@@ -263,15 +263,16 @@ TEST(Compact, RefusesADatabaseInUse) {
         EXPECT_THROW(compactDatabase(in.string(), out.string(), fromUtf8(password)), InUseError);
         EXPECT_FALSE(fs::exists(out));
     }
-    {
-        // A Jet user holds slot 3 of the .ldb.
-        const fs::path ldb = dir.path() / "kvl.ldb";
+    // A Jet user holds the first or the last user slot of the .ldb: the
+    // byte 0x10000001 or 0x100000ff.
+    const fs::path ldb = dir.path() / "kvl.ldb";
+    for (const off_t slot : {0, 254}) {
         const int fd = ::open(ldb.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
         ASSERT_GE(fd, 0);
         struct flock lock {};
         lock.l_type = F_WRLCK;
         lock.l_whence = SEEK_SET;
-        lock.l_start = 0x10000001 + 3;
+        lock.l_start = 0x10000001 + slot;
         lock.l_len = 1;
         // A lock of the open description, which the test's own look at the
         // .ldb (closing another descriptor of it) does not release.
@@ -280,6 +281,19 @@ TEST(Compact, RefusesADatabaseInUse) {
         EXPECT_EQ(compact(in, out, password), 1);
         EXPECT_FALSE(fs::exists(out));
         ::close(fd);  // the user leaves; the .ldb stays, as Jet may leave it
+    }
+    // A lock beside the slots (Jet's other bytes) is no user.
+    {
+        const int fd = ::open(ldb.c_str(), O_RDWR | O_CLOEXEC);
+        ASSERT_GE(fd, 0);
+        struct flock lock {};
+        lock.l_type = F_WRLCK;
+        lock.l_whence = SEEK_SET;
+        lock.l_start = 0x10000001 + 255;
+        lock.l_len = 1;
+        ASSERT_EQ(::fcntl(fd, F_OFD_SETLK, &lock), 0);
+        EXPECT_FALSE(jetUserSlotHeld(in.string()));
+        ::close(fd);
     }
     EXPECT_FALSE(jetUserSlotHeld(in.string()));
     EXPECT_EQ(compact(in, out, password), 0);
