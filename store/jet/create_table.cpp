@@ -304,14 +304,21 @@ NewTable parseCreateTable(std::u16string_view sql) {
 }
 
 TableDefinition createTable(WriteStatement& statement, const NewTable& wanted) {
+    return createTable(statement, layOutTable(wanted), 0, {});
+}
+
+TableDefinition createTable(WriteStatement& statement, TableDefinition table,
+                            std::uint32_t catalogFlags, const Bytes& properties) {
     for (const CatalogEntry& entry : readCatalog(statement)) {
-        if (entry.parentId == format::kTablesContainerId && sameName(entry.name, wanted.name)) {
-            throw Error("table " + toUtf8(wanted.name) +
+        if (entry.parentId == format::kTablesContainerId && sameName(entry.name, table.name)) {
+            throw Error("table " + toUtf8(table.name) +
                         " cannot be made: " + (entry.isTable() ? "table " : "an object named ") +
                         toUtf8(entry.name) + " exists");
         }
     }
-    TableDefinition table = layOutTable(wanted);
+    table.rowCount = 0;
+    for (RealIndex& index : table.realIndexes)
+        index.rowCount = 0;
     const TableDefinition objects = findTable(statement, u"MSysObjects");
 
     // Pages: the definition, one for the usage maps, one root per index.
@@ -342,8 +349,15 @@ TableDefinition createTable(WriteStatement& statement, const NewTable& wanted) {
         statement.change(table.pages[i]) = definition[i];
 
     const CatalogEntry entry{table.name, static_cast<std::int32_t>(table.page),
-                             format::kTablesContainerId, format::kObjectTypeTable, 0};
-    TableWriter(statement, objects).insert(catalogRow(objects, entry, currentDate()));
+                             format::kTablesContainerId, format::kObjectTypeTable, catalogFlags};
+    std::vector<Value> row = catalogRow(objects, entry, currentDate());
+    if (!properties.empty()) {
+        for (std::size_t i = 0; i < objects.columns.size(); ++i) {
+            if (objects.columns[i].name == u"LvProp")
+                row[i] = Value::bytes(properties);
+        }
+    }
+    TableWriter(statement, objects).insert(std::move(row));
     return table;
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 #include "table_definition.h"
 #include "table_definition_builder.h"
+#include "value.h"
 
 namespace jet {
 
@@ -34,5 +36,13 @@ NewTable parseCreateTable(std::u16string_view sql);
 // exists (names compared as Access does, without regard to case) or the
 // table cannot be laid out.
 TableDefinition createTable(WriteStatement& statement, const NewTable& table);
+
+// The same for a table whose columns and indexes are laid out already (as
+// layOutTable does; pages, usage maps and row counts are assigned here),
+// listed in the catalog with those flags and, when not empty, those
+// properties (the LvProp value in which Access keeps the table's and its
+// columns' properties).
+TableDefinition createTable(WriteStatement& statement, TableDefinition table,
+                            std::uint32_t catalogFlags, const Bytes& properties);
 
 }  // namespace jet

@@ -101,7 +101,7 @@ inline constexpr std::size_t kRealIndexFirstPageOffset = 38;
 inline constexpr std::size_t kRealIndexFlagsOffset = 46;
 inline constexpr std::uint16_t kRealIndexNoColumn = 0xffff;
 inline constexpr std::uint8_t kRealIndexAscending = 0x01;
-inline constexpr std::uint8_t kRealIndexDescending = 0x02;
+inline constexpr std::uint8_t kRealIndexDescending = 0x00;  // Access writes no flag for it
 
 inline constexpr std::size_t kLogicalIndexEntrySize = 28;
 inline constexpr std::size_t kLogicalIndexNumberOffset = 4;

@@ -157,6 +157,34 @@ std::shared_ptr<LockFile> LockFile::open(const std::string& databasePath, bool f
     return file;
 }
 
+std::shared_ptr<LockFile> LockFile::openAlone(const std::string& databasePath) {
+    const std::string path = lockPath(databasePath);
+    const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    if (fd < 0)
+        throw Error("cannot make the lock file " + path + ": " + std::strerror(errno));
+    struct stat status {};
+    if (::fstat(fd, &status) != 0) {
+        ::close(fd);
+        throw Error("cannot read the lock file " + path + ": " + std::strerror(errno));
+    }
+    const std::lock_guard<std::mutex> guard(registryMutex);
+    auto& known = registry()[{::getpid(), status.st_dev, status.st_ino}];
+    bool alone = false;
+    try {
+        alone = known.expired() && tryLock(fd, F_WRLCK, kSessionByte);
+    } catch (const Error&) {
+        ::close(fd);
+        throw;
+    }
+    if (!alone) {
+        ::close(fd);
+        return nullptr;
+    }
+    std::shared_ptr<LockFile> file(new LockFile(fd));
+    known = file;
+    return file;
+}
+
 LockFile::LockFile(int fd) : fd_(fd) {}
 
 LockFile::~LockFile() {

@@ -46,6 +46,13 @@ public:
     // session lock is not had within its time-out.
     static std::shared_ptr<LockFile> open(const std::string& databasePath, bool forWriting);
 
+    // The lock file of the database with this process's session lock held
+    // exclusively: no other copy of the program opens the database while it
+    // lives, and this process's own databases of that file share it (see
+    // open()). Null when another copy has the database open, or this process
+    // has it open already. Throws Error when the lock file cannot be made.
+    static std::shared_ptr<LockFile> openAlone(const std::string& databasePath);
+
     ~LockFile();
     LockFile(const LockFile&) = delete;
     LockFile& operator=(const LockFile&) = delete;
