@@ -374,27 +374,7 @@ void Form1::Form_Load() {
     kit::skip([this] { Label16->setText(QString::number(izinler.Recordset().recordCount())); });
     // The school's name, statement by statement: a failing query still
     // leaves the shared connection closed and released.
-    jet::Value okul;
-    kit::skip([] {
-        if (!baglanti)
-            baglanti = std::make_unique<store::Connection>();
-    });
-    kit::skip([] {
-        baglanti->Open(kit::absoluteConnectionString(QStringLiteral("kvl.mdb")).toStdString());
-    });
-    kit::skip([] {
-        if (!kayit)
-            kayit = std::make_unique<store::Recordset>();
-    });
-    kit::skip([] {
-        kayit->open(u"SELECT* from AYAR", *baglanti, store::CursorType::Keyset,
-                    store::LockType::Optimistic, -1);
-    });
-    kit::skip([&okul] { okul = kayit->field(u"OKUL"); });
-    kit::skip([] { kayit->close(); });
-    kit::skip([] { baglanti->Close(); });
-    kayit.reset();
-    baglanti.reset();
+    const jet::Value okul = readSchoolName(jet::Value());
     kit::skip([this, &okul] {
         if (okul.isNull())
             throw store::DataError("invalid use of Null");

@@ -230,23 +230,7 @@ void FRMAYAR::closeEvent(QCloseEvent* event) {
 // every statement is passed over when it fails. A name that could not be
 // read empties the copy; a Null one leaves it.
 void FRMAYAR::Form_Unload() {
-    jet::Value okul = jet::Value::text(u"");
-    kit::skip([] {
-        if (!baglanti)
-            baglanti = std::make_unique<store::Connection>();
-        baglanti->Open(kit::absoluteConnectionString(QStringLiteral("kvl.mdb")).toStdString());
-    });
-    kit::skip([] {
-        if (!kayit)
-            kayit = std::make_unique<store::Recordset>();
-        kayit->open(u"SELECT* from AYAR", *baglanti, store::CursorType::Keyset,
-                    store::LockType::Optimistic, -1);
-    });
-    kit::skip([&okul] { okul = kayit->field(u"OKUL"); });
-    kit::skip([] { kayit->close(); });
-    kit::skip([] { baglanti->Close(); });
-    kayit.reset();
-    baglanti.reset();
+    const jet::Value okul = readSchoolName(jet::Value::text(u""));
     kit::skip([&okul] {
         if (okul.isNull())
             throw store::DataError("invalid use of Null");

@@ -36,4 +36,10 @@ extern bool yenisurumvar;
 // query fails.
 void baglantiac();
 
+// AYAR's OKUL, the school's name, read on baglanti opened on "kvl.mdb" in
+// the program's folder, with kayit: every statement is passed over when it
+// fails, and both are closed and set to Nothing afterwards. `unread` when
+// the name could not be read.
+jet::Value readSchoolName(jet::Value unread);
+
 }  // namespace shell
