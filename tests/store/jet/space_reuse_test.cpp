@@ -294,8 +294,9 @@ TEST_F(SpaceReuse, RowsAddedAfterDeletionsComeLast) {
     database.createTable(kTmpMenu);
     EXPECT_EQ(database.file().pageCount(), pages);
     EXPECT_EQ(checkIntegrity(database.file()), std::vector<std::string>{});
-    if (!std::string_view(MDB_EXPORT_EXECUTABLE).empty())  // mdbtools, not on Windows
+    if (!std::string_view(MDB_EXPORT_EXECUTABLE).empty()) {  // mdbtools, not on Windows
         EXPECT_EQ(runCommand("mdb-tables -1 " + shellQuote(path_)), tables + "TMPMENU\n");
+    }
 }
 
 // A file grown past the inline window of its map of free pages: the map
