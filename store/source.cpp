@@ -1,8 +1,7 @@
 #include "source.h"
 
-#include <unistd.h>
-
 #include "store/data_error.h"
+#include "store/jet/os_file.h"
 
 namespace store {
 
@@ -15,7 +14,7 @@ JetSource::JetSource(const std::string& path, std::u16string_view password, bool
         if (!expected.empty() && expected != password) {
             throw DataError("not a valid password for the database " + path);
         }
-        if (!readOnly && ::access(path.c_str(), W_OK) == 0) {
+        if (!readOnly && jet::os::isWritable(path)) {
             database_.reset();
             database_ = std::make_unique<jet::Database>(path, jet::PageFile::Mode::ReadWrite);
         }

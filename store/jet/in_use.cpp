@@ -1,13 +1,10 @@
 #include "in_use.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
+#include <system_error>
 
 #include "lock_file.h"
+#include "os_file.h"
 
 namespace jet {
 namespace {
@@ -15,38 +12,33 @@ namespace {
 // Jet 4 claims user slot n of a database by locking the byte 0x10000001 + n
 // of the ".ldb" file beside it for as long as it has the database open; it
 // has 255 slots.
-constexpr off_t kFirstUserSlotByte = 0x10000001;
-constexpr off_t kUserSlots = 255;
-
-#ifdef F_OFD_GETLK
-constexpr int kLockTest = F_OFD_GETLK;
-#else
-constexpr int kLockTest = F_GETLK;
-#endif
+constexpr std::uint64_t kFirstUserSlotByte = 0x10000001;
+constexpr std::uint64_t kUserSlots = 255;
 
 }  // namespace
 
+// A slot's lock is seen by trying a shared lock on its byte, let go at once:
+// a slot held by a user refuses it. The .ldb is opened for reading only.
 bool jetUserSlotHeld(const std::string& path) {
     const std::string ldb = std::filesystem::path(path).replace_extension(".ldb").string();
-    // The only raw system calls of the compaction: testing a lock takes none.
-    const int fd = ::open(ldb.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0 && errno == ENOENT)
+    std::error_code missing;
+    if (!std::filesystem::exists(ldb, missing))
         return false;  // no .ldb: Jet has no user in the database
-    if (fd < 0)
-        throw Error("cannot read " + ldb + ": " + std::strerror(errno));
-    struct flock lock {};
-    lock.l_type = F_WRLCK;
-    lock.l_whence = SEEK_SET;
-    lock.l_start = kFirstUserSlotByte;
-    lock.l_len = kUserSlots;
-    int result = 0;
-    while ((result = ::fcntl(fd, kLockTest, &lock)) != 0 && errno == EINTR) {
+    os::File file = os::File::open(ldb, os::File::Mode::Read);
+    if (!file.isOpen())
+        throw Error("cannot read " + ldb + ": " + os::lastError());
+    for (std::uint64_t slot = 0; slot < kUserSlots; ++slot) {
+        switch (file.tryLock(kFirstUserSlotByte + slot, os::LockKind::Shared)) {
+            case os::LockResult::Taken:
+                file.unlock(kFirstUserSlotByte + slot);
+                break;
+            case os::LockResult::Busy:
+                return true;
+            case os::LockResult::Failed:
+                throw Error("cannot test the locks of " + ldb + ": " + os::lastError());
+        }
     }
-    const int failure = result != 0 ? errno : 0;
-    ::close(fd);
-    if (failure != 0)
-        throw Error("cannot test the locks of " + ldb + ": " + std::strerror(failure));
-    return lock.l_type != F_UNLCK;
+    return false;
 }
 
 // The one place that decides whether a database is in use: by a copy of this

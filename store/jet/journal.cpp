@@ -1,15 +1,12 @@
 #include "journal.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <vector>
 
 #include "bytes.h"
 #include "error.h"
+#include "os_file.h"
 
 namespace jet {
 namespace {
@@ -31,27 +28,25 @@ std::uint32_t checksum(std::uint32_t page, const std::uint8_t* data, std::size_t
 }
 
 void putU32(std::vector<std::uint8_t>& out, std::uint32_t value) {
-    for (int i = 0; i < 4; ++i) out.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+    for (int i = 0; i < 4; ++i)
+        out.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
 }
 
 void syncDirectoryOf(const std::string& path) {
-    const std::string directory = std::filesystem::path(path).parent_path().string();
-    const int fd = ::open(directory.empty() ? "." : directory.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) return;  // some systems cannot open folders; the data itself is flushed
-    ::fsync(fd);
-    ::close(fd);
+    const std::u8string directory = os::utf8Path(path).parent_path().u8string();
+    os::syncFolder(std::string(directory.begin(), directory.end()));
 }
 
 std::vector<std::uint8_t> readWhole(const std::string& path) {
     std::vector<std::uint8_t> bytes;
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) return bytes;
+    const os::File file = os::File::open(path, os::File::Mode::Read);
+    if (!file.isOpen())
+        return bytes;
     std::uint8_t buffer[1 << 16];
-    ssize_t got = 0;
-    while ((got = ::read(fd, buffer, sizeof buffer)) > 0 || (got < 0 && errno == EINTR)) {
-        if (got > 0) bytes.insert(bytes.end(), buffer, buffer + got);
+    std::int64_t got = 0;
+    while ((got = file.readAt(buffer, sizeof buffer, bytes.size())) > 0) {
+        bytes.insert(bytes.end(), buffer, buffer + got);
     }
-    ::close(fd);
     return bytes;
 }
 
@@ -76,40 +71,39 @@ void RollbackJournal::write(const std::string& databasePath, std::uint32_t origi
     bytes.insert(bytes.end(), kMagic, kMagic + sizeof kMagic);
 
     const std::string path = journalPath(databasePath);
-    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (fd < 0) throw Error("cannot create the journal " + path + ": " + std::strerror(errno));
+    os::File file = os::File::open(path, os::File::Mode::Replace);
+    if (!file.isOpen())
+        throw Error("cannot create the journal " + path + ": " + os::lastError());
     std::size_t done = 0;
     // Written in page-sized pieces, each a point where a crash can strike.
     while (done < bytes.size()) {
         crashPoint();
         const std::size_t piece = std::min(bytes.size() - done, format::kPageSize);
-        const ssize_t put = ::write(fd, bytes.data() + done, piece);
-        if (put < 0 && errno == EINTR) continue;
-        if (put <= 0) {
-            const std::string reason = std::strerror(errno);
-            ::close(fd);
-            throw Error("cannot write the journal " + path + ": " + reason);
-        }
+        const std::int64_t put = file.writeAt(bytes.data() + done, piece, done);
+        if (put < 0)
+            throw Error("cannot write the journal " + path + ": " + os::lastError());
         done += static_cast<std::size_t>(put);
     }
-    const bool flushed = ::fsync(fd) == 0;
-    ::close(fd);
-    if (!flushed) throw Error("cannot flush the journal " + path + " to disk");
+    const bool flushed = file.sync();
+    file.close();
+    if (!flushed)
+        throw Error("cannot flush the journal " + path + " to disk");
     syncDirectoryOf(path);
 }
 
 void RollbackJournal::remove(const std::string& databasePath) {
     crashPoint();
     const std::string path = journalPath(databasePath);
-    if (::unlink(path.c_str()) != 0 && errno != ENOENT) {
-        throw Error("cannot remove the journal " + path + ": " + std::strerror(errno));
+    if (!os::removeFile(path)) {
+        throw Error("cannot remove the journal " + path + ": " + os::lastError());
     }
     syncDirectoryOf(path);
 }
 
 bool RollbackJournal::rollBack(PageFile& file) {
     const std::string path = journalPath(file.path());
-    if (!std::filesystem::exists(path)) return false;
+    if (!std::filesystem::exists(os::utf8Path(path)))
+        return false;
     const std::vector<std::uint8_t> bytes = readWhole(path);
     const ByteView journal(bytes.data(), bytes.size());
     const bool whole =

@@ -1,11 +1,5 @@
 #include "lock_file.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
 #include <map>
 #include <thread>
 #include <tuple>
@@ -17,20 +11,14 @@ namespace jet {
 namespace {
 
 // The counter lies at the start; the locks lie on bytes past it, so that a
-// system whose byte locks keep out readers still lets everybody read it.
-constexpr off_t kCounterOffset = 0;
-constexpr off_t kSessionByte = 64;
-constexpr off_t kStatementByte = 65;
-constexpr off_t kTurnByte = 66;
+// system whose byte locks keep out readers (Windows) still lets everybody
+// read it.
+constexpr std::uint64_t kCounterOffset = 0;
+constexpr std::uint64_t kSessionByte = 64;
+constexpr std::uint64_t kStatementByte = 65;
+constexpr std::uint64_t kTurnByte = 66;
 
-// Locks of the open file description, where the system has them: a plain
-// record lock belongs to the process and goes when any of its descriptors of
-// the file is closed.
-#ifdef F_OFD_SETLK
-constexpr int kLockSet = F_OFD_SETLK;
-#else
-constexpr int kLockSet = F_SETLK;
-#endif
+using os::LockKind;
 
 using Clock = std::chrono::steady_clock;
 
@@ -39,39 +27,19 @@ LockTimeouts& timeouts() {
     return value;
 }
 
-// Sets one byte's lock without waiting: 0, or the system's error number.
-int setLock(int fd, short type, off_t byte) noexcept {
-    struct flock lock {};
-    lock.l_type = type;
-    lock.l_whence = SEEK_SET;
-    lock.l_start = byte;
-    lock.l_len = 1;
-    while (::fcntl(fd, kLockSet, &lock) != 0) {
-        if (errno != EINTR)
-            return errno;
-    }
-    return 0;
+bool tryLock(os::File& file, LockKind kind, std::uint64_t byte) {
+    const os::LockResult result = file.tryLock(byte, kind);
+    if (result == os::LockResult::Failed)
+        throw Error("cannot lock the database's lock file: " + os::lastError());
+    return result == os::LockResult::Taken;
 }
-
-bool tryLock(int fd, short type, off_t byte) {
-    const int failure = setLock(fd, type, byte);
-    if (failure == EAGAIN || failure == EACCES)
-        return false;
-    if (failure != 0)
-        throw Error(std::string("cannot lock the database's lock file: ") + std::strerror(failure));
-    return true;
-}
-
-// Unlocks, or turns an exclusive lock shared: neither ever waits, and a
-// failure leaves a lock that goes with the descriptor anyway.
-void loosenLock(int fd, short type, off_t byte) noexcept { setLock(fd, type, byte); }
 
 // Tries again and again, at growing intervals, until the deadline: a lock
 // call that waits could not be given up.
-void waitForLock(int fd, short type, off_t byte, Clock::time_point deadline,
+void waitForLock(os::File& file, LockKind kind, std::uint64_t byte, Clock::time_point deadline,
                  std::chrono::milliseconds timeout, const std::string& what) {
     std::chrono::milliseconds pause{1};
-    while (!tryLock(fd, type, byte)) {
+    while (!tryLock(file, kind, byte)) {
         const auto now = Clock::now();
         if (now >= deadline) {
             throw Error(what + ": another user of the database has held it for " +
@@ -86,28 +54,29 @@ void waitForLock(int fd, short type, off_t byte, Clock::time_point deadline,
 // meanwhile, and whoever comes next must take that byte first: so a copy
 // that writes statement after statement lets a waiting reader in between,
 // and the other way round.
-void lockStatement(int fd, short type, const std::string& what) {
+// Unlocking never waits, and a failure leaves a lock that goes with the
+// file anyway.
+void lockStatement(os::File& file, LockKind kind, const std::string& what) {
     const std::chrono::milliseconds timeout = timeouts().statement;
     const auto deadline = Clock::now() + timeout;
-    waitForLock(fd, F_WRLCK, kTurnByte, deadline, timeout, what);
+    waitForLock(file, LockKind::Exclusive, kTurnByte, deadline, timeout, what);
     try {
-        waitForLock(fd, type, kStatementByte, deadline, timeout, what);
+        waitForLock(file, kind, kStatementByte, deadline, timeout, what);
     } catch (const Error&) {
-        loosenLock(fd, F_UNLCK, kTurnByte);
+        file.unlock(kTurnByte);
         throw;
     }
-    loosenLock(fd, F_UNLCK, kTurnByte);
+    file.unlock(kTurnByte);
 }
 
 // The lock files this process has open, by the file's identity, so that the
 // databases of one file share one. A child made by fork() shares its
 // parent's open descriptions, and with them their locks: it opens its own.
 struct LockFileKey {
-    pid_t process;
-    dev_t device;
-    ino_t inode;
+    std::uint64_t process;
+    os::FileIdentity file;
     bool operator<(const LockFileKey& other) const {
-        return std::tie(process, device, inode) < std::tie(other.process, other.device, other.inode);
+        return std::tie(process, file) < std::tie(other.process, other.file);
     }
 };
 std::mutex registryMutex;
@@ -118,78 +87,66 @@ std::map<LockFileKey, std::weak_ptr<LockFile>>& registry() {
 
 }  // namespace
 
-LockTimeouts lockTimeouts() { return timeouts(); }
+LockTimeouts lockTimeouts() {
+    return timeouts();
+}
 
-void setLockTimeouts(const LockTimeouts& value) { timeouts() = value; }
+void setLockTimeouts(const LockTimeouts& value) {
+    timeouts() = value;
+}
 
-std::string LockFile::lockPath(const std::string& databasePath) { return databasePath + "-lock"; }
+std::string LockFile::lockPath(const std::string& databasePath) {
+    return databasePath + "-lock";
+}
 
 std::shared_ptr<LockFile> LockFile::open(const std::string& databasePath, bool forWriting) {
     const std::string path = lockPath(databasePath);
-    int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-    if (fd < 0 && !forWriting)
-        fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) {
+    os::File file = os::File::open(path, os::File::Mode::OpenOrCreate);
+    if (!file.isOpen() && !forWriting)
+        file = os::File::open(path, os::File::Mode::Read);
+    if (!file.isOpen()) {
         if (!forWriting)
             return nullptr;
-        throw Error("cannot make the lock file " + path + ": " + std::strerror(errno));
+        throw Error("cannot make the lock file " + path + ": " + os::lastError());
     }
-    struct stat status {};
-    if (::fstat(fd, &status) != 0) {
-        ::close(fd);
-        throw Error("cannot read the lock file " + path + ": " + std::strerror(errno));
+    const std::optional<os::FileIdentity> identity = file.identity();
+    if (!identity) {
+        throw Error("cannot read the lock file " + path + ": " + os::lastError());
     }
     const std::lock_guard<std::mutex> guard(registryMutex);
-    auto& known = registry()[{::getpid(), status.st_dev, status.st_ino}];
-    if (std::shared_ptr<LockFile> file = known.lock()) {
-        ::close(fd);
-        return file;
+    auto& known = registry()[{os::processId(), *identity}];
+    if (std::shared_ptr<LockFile> shared = known.lock()) {
+        return shared;
     }
-    try {
-        waitForLock(fd, F_RDLCK, kSessionByte, Clock::now() + timeouts().session,
-                    timeouts().session, "cannot open the database " + databasePath);
-    } catch (const Error&) {
-        ::close(fd);
-        throw;
-    }
-    std::shared_ptr<LockFile> file(new LockFile(fd));
-    known = file;
-    return file;
+    waitForLock(file, LockKind::Shared, kSessionByte, Clock::now() + timeouts().session,
+                timeouts().session, "cannot open the database " + databasePath);
+    std::shared_ptr<LockFile> shared(new LockFile(std::move(file)));
+    known = shared;
+    return shared;
 }
 
 std::shared_ptr<LockFile> LockFile::openAlone(const std::string& databasePath) {
     const std::string path = lockPath(databasePath);
-    const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-    if (fd < 0)
-        throw Error("cannot make the lock file " + path + ": " + std::strerror(errno));
-    struct stat status {};
-    if (::fstat(fd, &status) != 0) {
-        ::close(fd);
-        throw Error("cannot read the lock file " + path + ": " + std::strerror(errno));
-    }
+    os::File file = os::File::open(path, os::File::Mode::OpenOrCreate);
+    if (!file.isOpen())
+        throw Error("cannot make the lock file " + path + ": " + os::lastError());
+    const std::optional<os::FileIdentity> identity = file.identity();
+    if (!identity)
+        throw Error("cannot read the lock file " + path + ": " + os::lastError());
     const std::lock_guard<std::mutex> guard(registryMutex);
-    auto& known = registry()[{::getpid(), status.st_dev, status.st_ino}];
-    bool alone = false;
-    try {
-        alone = known.expired() && tryLock(fd, F_WRLCK, kSessionByte);
-    } catch (const Error&) {
-        ::close(fd);
-        throw;
-    }
-    if (!alone) {
-        ::close(fd);
+    auto& known = registry()[{os::processId(), *identity}];
+    if (!known.expired() || !tryLock(file, LockKind::Exclusive, kSessionByte))
         return nullptr;
-    }
-    std::shared_ptr<LockFile> file(new LockFile(fd));
-    known = file;
-    return file;
+    std::shared_ptr<LockFile> alone(new LockFile(std::move(file)));
+    known = alone;
+    return alone;
 }
 
-LockFile::LockFile(int fd) : fd_(fd) {}
+LockFile::LockFile(os::File file) : file_(std::move(file)) {}
 
 LockFile::~LockFile() {
-    // Closing the description lets go of its locks.
-    ::close(fd_);
+    // Closing the file lets go of its locks.
+    file_.close();
     const std::lock_guard<std::mutex> guard(registryMutex);
     std::erase_if(registry(), [](const auto& entry) { return entry.second.expired(); });
 }
@@ -197,7 +154,7 @@ LockFile::~LockFile() {
 LockFile::Hold LockFile::holdForReading() {
     const std::lock_guard<std::mutex> guard(mutex_);
     if (readers_ == 0 && !writing_) {
-        lockStatement(fd_, F_RDLCK, "cannot read the database");
+        lockStatement(file_, LockKind::Shared, "cannot read the database");
     }
     ++readers_;
     return Hold(this, false);
@@ -209,8 +166,21 @@ LockFile::Hold LockFile::holdForWriting() {
         throw Error("cannot write the database: another write of this program to it is under way");
     }
     // A read of this process under way turns its shared lock into the
-    // exclusive one, and back when the write ends.
-    lockStatement(fd_, F_WRLCK, "cannot write the database");
+    // exclusive one, and back when the write ends. Where a lock cannot be
+    // tightened in place (Windows), the shared one is let go first: another
+    // copy's writer may then come in before this one, while the read waits.
+    // Should this writer give up, the read takes its shared lock again if it
+    // can have it at once; if not, the reads under way end without it.
+    const bool letGoOfReads = readers_ > 0 && !os::kLocksTightenInPlace;
+    if (letGoOfReads)
+        file_.unlock(kStatementByte);
+    try {
+        lockStatement(file_, LockKind::Exclusive, "cannot write the database");
+    } catch (const Error&) {
+        if (letGoOfReads)
+            static_cast<void>(file_.tryLock(kStatementByte, LockKind::Shared));
+        throw;
+    }
     writing_ = true;
     return Hold(this, true);
 }
@@ -224,14 +194,19 @@ void LockFile::release(bool writing) noexcept {
     }
     if (writing_)
         return;
-    loosenLock(fd_, readers_ > 0 ? F_RDLCK : F_UNLCK, kStatementByte);
+    // Neither ever waits; a failure leaves a lock that goes with the file.
+    if (readers_ > 0) {
+        file_.loosenToShared(kStatementByte);
+    } else {
+        file_.unlock(kStatementByte);
+    }
 }
 
 std::uint64_t LockFile::commitCount() const {
     std::uint8_t bytes[8] = {};
-    const ssize_t got = ::pread(fd_, bytes, sizeof bytes, kCounterOffset);
+    const std::int64_t got = file_.readAll(bytes, sizeof bytes, kCounterOffset);
     std::uint64_t count = 0;
-    for (ssize_t i = got > 0 ? got : 0; i-- > 0;)
+    for (std::int64_t i = got > 0 ? got : 0; i-- > 0;)
         count = (count << 8) | bytes[i];
     return count;
 }
@@ -246,8 +221,7 @@ void LockFile::raiseCommitCount() noexcept {
     // Nobody keeps what he read across a restart of the machine, so the
     // counter needs no flush of its own. A counter that could not be raised
     // fails no commit: what others kept is also checked against the file.
-    const ssize_t put = ::pwrite(fd_, bytes, sizeof bytes, kCounterOffset);
-    static_cast<void>(put);
+    static_cast<void>(file_.writeAll(bytes, sizeof bytes, kCounterOffset));
 }
 
 LockFile::Hold::Hold(Hold&& other) noexcept
@@ -262,7 +236,9 @@ LockFile::Hold& LockFile::Hold::operator=(Hold&& other) noexcept {
     return *this;
 }
 
-LockFile::Hold::~Hold() { release(); }
+LockFile::Hold::~Hold() {
+    release();
+}
 
 void LockFile::Hold::release() noexcept {
     if (file_ != nullptr)

@@ -6,6 +6,8 @@
 #include <mutex>
 #include <string>
 
+#include "os_file.h"
+
 namespace jet {
 
 // How long a lock is waited for before the wait gives up with an Error: the
@@ -87,10 +89,10 @@ public:
     void raiseCommitCount() noexcept;
 
 private:
-    explicit LockFile(int fd);
+    explicit LockFile(os::File file);
     void release(bool writing) noexcept;
 
-    int fd_;
+    os::File file_;
     std::mutex mutex_;  // guards the counts below
     int readers_ = 0;   // reads under way in this process
     bool writing_ = false;

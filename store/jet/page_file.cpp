@@ -1,14 +1,5 @@
 #include "page_file.h"
 
-#include <fcntl.h>
-#include <signal.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <csignal>
-#include <cstring>
-
 #include "error.h"
 #include "rc4.h"
 
@@ -26,33 +17,31 @@ void crashPoint() {
     if (crashCountdown < 0)
         return;
     if (crashCountdown == 0)
-        ::kill(::getpid(), SIGKILL);
+        os::killThisProcess();
     --crashCountdown;
 }
 
-PageFile::PageFile(const std::string& path, Mode mode) : path_(path), mode_(mode) {
-    fd_ = ::open(path.c_str(), (mode == Mode::ReadWrite ? O_RDWR : O_RDONLY) | O_CLOEXEC);
-    if (fd_ < 0) {
-        throw Error("cannot open " + path + ": " + std::strerror(errno));
+PageFile::PageFile(const std::string& path, Mode mode)
+    : path_(path),
+      file_(os::File::open(
+          path, mode == Mode::ReadWrite ? os::File::Mode::ReadWrite : os::File::Mode::Read)),
+      mode_(mode) {
+    if (!file_.isOpen()) {
+        throw Error("cannot open " + path + ": " + os::lastError());
     }
-    struct stat status {};
-    if (::fstat(fd_, &status) != 0 || !S_ISREG(status.st_mode)) {
-        ::close(fd_);
+    if (!file_.isRegularFile()) {
         throw Error("cannot open " + path + ": not a regular file");
     }
 }
 
-PageFile::~PageFile() {
-    if (fd_ >= 0)
-        ::close(fd_);
-}
+PageFile::~PageFile() = default;
 
 std::uint64_t PageFile::sizeInBytes() const {
-    struct stat status {};
-    if (::fstat(fd_, &status) != 0) {
-        throw Error("cannot read the size of " + path_ + ": " + std::strerror(errno));
+    const std::optional<std::uint64_t> size = file_.size();
+    if (!size) {
+        throw Error("cannot read the size of " + path_ + ": " + os::lastError());
     }
-    return static_cast<std::uint64_t>(status.st_size);
+    return *size;
 }
 
 std::uint32_t PageFile::pageCount() const {
@@ -61,18 +50,11 @@ std::uint32_t PageFile::pageCount() const {
 }
 
 std::size_t PageFile::readPrefix(std::uint8_t* buffer, std::size_t length) const {
-    std::size_t done = 0;
-    while (done < length) {
-        const ssize_t got = ::pread(fd_, buffer + done, length - done, static_cast<off_t>(done));
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got < 0)
-            throw Error("cannot read " + path_ + ": " + std::strerror(errno));
-        if (got == 0)
-            break;
-        done += static_cast<std::size_t>(got);
+    const std::int64_t got = file_.readAll(buffer, length, 0);
+    if (got < 0) {
+        throw Error("cannot read " + path_ + ": " + os::lastError());
     }
-    return done;
+    return static_cast<std::size_t>(got);
 }
 
 void PageFile::read(std::uint32_t number, Page& page) const {
@@ -83,17 +65,14 @@ void PageFile::readPages(std::uint32_t first, std::size_t count, Page* pages) co
     static_assert(sizeof(Page) == format::kPageSize, "pages lie next to each other in an array");
     auto* bytes = reinterpret_cast<std::uint8_t*>(pages);
     const std::size_t size = count * format::kPageSize;
-    const off_t offset = static_cast<off_t>(first) * static_cast<off_t>(format::kPageSize);
+    const std::uint64_t offset = std::uint64_t{first} * format::kPageSize;
     std::size_t done = 0;
     while (done < size) {
-        const ssize_t got =
-            ::pread(fd_, bytes + done, size - done, offset + static_cast<off_t>(done));
-        if (got < 0 && errno == EINTR)
-            continue;
+        const std::int64_t got = file_.readAt(bytes + done, size - done, offset + done);
         const std::uint32_t number = first + static_cast<std::uint32_t>(done / format::kPageSize);
         if (got < 0) {
             throw Error("cannot read page " + std::to_string(number) + " of " + path_ + ": " +
-                        std::strerror(errno));
+                        os::lastError());
         }
         if (got == 0) {
             throw Error("page " + std::to_string(number) + " lies beyond the end of " + path_ +
@@ -116,33 +95,23 @@ void PageFile::write(std::uint32_t number, const Page& page) {
         rc4Apply(encodingKey_ ^ number, stored.data(), stored.size());
     }
     crashPoint();
-    const off_t offset = static_cast<off_t>(number) * static_cast<off_t>(format::kPageSize);
-    std::size_t done = 0;
-    while (done < stored.size()) {
-        const ssize_t put = ::pwrite(fd_, stored.data() + done, stored.size() - done,
-                                     offset + static_cast<off_t>(done));
-        if (put < 0 && errno == EINTR)
-            continue;
-        if (put <= 0) {
-            throw Error("cannot write page " + std::to_string(number) + " of " + path_ + ": " +
-                        std::strerror(errno));
-        }
-        done += static_cast<std::size_t>(put);
+    if (!file_.writeAll(stored.data(), stored.size(), std::uint64_t{number} * format::kPageSize)) {
+        throw Error("cannot write page " + std::to_string(number) + " of " + path_ + ": " +
+                    os::lastError());
     }
 }
 
 void PageFile::truncate(std::uint32_t pageCount) {
     crashPoint();
-    if (::ftruncate(fd_, static_cast<off_t>(pageCount) * static_cast<off_t>(format::kPageSize)) !=
-        0) {
+    if (!file_.truncate(std::uint64_t{pageCount} * format::kPageSize)) {
         throw Error("cannot cut " + path_ + " back to " + std::to_string(pageCount) +
-                    " pages: " + std::strerror(errno));
+                    " pages: " + os::lastError());
     }
 }
 
 void PageFile::sync() {
-    if (::fsync(fd_) != 0) {
-        throw Error("cannot flush " + path_ + " to disk: " + std::strerror(errno));
+    if (!file_.sync()) {
+        throw Error("cannot flush " + path_ + " to disk: " + os::lastError());
     }
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "format.h"
+#include "os_file.h"
 
 namespace jet {
 
@@ -65,7 +66,7 @@ public:
 
 private:
     std::string path_;
-    int fd_ = -1;
+    os::File file_;
     Mode mode_;
     std::uint32_t encodingKey_ = 0;  // 0: pages are stored plain
 };

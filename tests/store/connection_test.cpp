@@ -144,11 +144,13 @@ TEST(ConnectionStringTest, DataSourcesReachOneFile) {
         EXPECT_THROW(store::resolveDataSource("kvl.mdb"), DataError);
         EXPECT_TRUE(fs::equivalent(store::resolveDataSource("..\\kvl.mdb"), file));
     }
+#ifndef _WIN32  // Windows' own names ignore case: no two differ in case only
     // Two files that differ in case only: the exact name wins, else it is unclear.
     std::ofstream(dir.path() / "kvl.MDB") << "y";
     EXPECT_EQ(store::resolveDataSource(folder + "\\KVL.MDB"), file);
     EXPECT_EQ(store::resolveDataSource(folder + "\\kvl.MDB"), dir.path() / "kvl.MDB");
     EXPECT_THROW(store::resolveDataSource(folder + "\\kvl.mdb"), DataError);
+#endif
 }
 
 TEST(ConnectionTest, OpenRefusesWhatIsNotTheDatabase) {
@@ -188,7 +190,11 @@ TEST(ConnectionTest, OpenRefusesWhatIsNotTheDatabase) {
         connection.Open(connectionString((dir.path() / "KVL.mdb").string(), kMainPassword));
         ADD_FAILURE() << "a text file opened as a database";
     } catch (const DataError& error) {
+#ifdef _WIN32  // the system finds the file under the name as given
+        EXPECT_NE(std::string(error.what()).find("KVL.mdb"), std::string::npos) << error.what();
+#else
         EXPECT_NE(std::string(error.what()).find("kvl.mdb"), std::string::npos) << error.what();
+#endif
     }
     std::vector<unsigned char> truncated = readFileBytes(main.path());
     truncated.resize(4096 + 100);

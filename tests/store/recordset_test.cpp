@@ -87,6 +87,7 @@ void expectRefused(const std::function<void()>& assignment) {
 }
 
 TEST(Recordset, MovingFieldsFilterAndSort) {
+    SKIP_WITHOUT_MDBTOOLS();
     SKIP_WITHOUT_FIXTURES();
     SchoolCopy school;
     Recordset permits;
@@ -142,6 +143,7 @@ TEST(Recordset, MovingFieldsFilterAndSort) {
 }
 
 TEST(Recordset, EditsAreWrittenBackToTheirRows) {
+    SKIP_WITHOUT_MDBTOOLS();
     SKIP_WITHOUT_FIXTURES();
     SchoolCopy school;
     {
@@ -190,6 +192,7 @@ TEST(Recordset, EditsAreWrittenBackToTheirRows) {
 // Another program changes the row after it was read: the edit is refused,
 // as the original's optimistic locking does, and the other change stays.
 TEST(Recordset, ChangedMeanwhileIsRefused) {
+    SKIP_WITHOUT_MDBTOOLS();
     SKIP_WITHOUT_FIXTURES();
     SchoolCopy school;
     Recordset ours;
@@ -217,6 +220,7 @@ TEST(Recordset, ChangedMeanwhileIsRefused) {
 // several orders: each value is converted when assigned, the row reads back
 // what the file holds, so the next update and the delete find it unchanged.
 TEST(Recordset, RepeatedUpdatesOfOneRowKeepWhatIsStored) {
+    SKIP_WITHOUT_MDBTOOLS();
     SKIP_WITHOUT_FIXTURES();
     SchoolCopy school;
     Recordset tally;  // tarih Integer, sabah, ogle, aksam Long Integer
@@ -316,6 +320,7 @@ TEST(Recordset, RepeatedUpdatesOfOneRowKeepWhatIsStored) {
 // A record set keeps its connection's source: after Close, and after the
 // connection is gone, it still moves, edits, adds and deletes in the file.
 TEST(Recordset, OutlivesItsConnection) {
+    SKIP_WITHOUT_MDBTOOLS();
     SKIP_WITHOUT_FIXTURES();
     SchoolCopy school;
     auto connection = std::make_unique<Connection>();

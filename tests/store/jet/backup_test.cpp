@@ -2,8 +2,10 @@
 // never over an existing name, never while another copy of the program
 // writes, never of half a statement.
 
+#ifndef _WIN32
 #include <sys/wait.h>
 #include <unistd.h>
+#endif
 
 #include <chrono>
 #include <filesystem>
@@ -80,6 +82,9 @@ TEST(CopyDatabase, ByteForByteAndNeverOverAName) {
 // it, gives up after the statement time-out and writes nothing; once the
 // writer is done it goes ahead.
 TEST(CopyDatabase, WaitsForAWriterOfAnotherProcess) {
+#ifdef NO_FORK
+    SKIP_WITHOUT_FORK();
+#else
     SKIP_WITHOUT_FIXTURES();
     testing::TempDir dir;
     const std::string file = copyKvl(dir);
@@ -110,11 +115,15 @@ TEST(CopyDatabase, WaitsForAWriterOfAnotherProcess) {
     EXPECT_EQ(testing::readFileBytes(copy), testing::readFileBytes(file));
     ::close(ready[0]);
     ::close(ready[1]);
+#endif
 }
 
 // A writer dies in the middle of its commit: the copy holds the file as it
 // was before that statement, never half of it.
 TEST(CopyDatabase, NeverHalfAStatement) {
+#ifdef NO_FORK
+    SKIP_WITHOUT_FORK();
+#else
     SKIP_WITHOUT_FIXTURES();
     testing::TempDir dir;
     const std::string file = copyKvl(dir);
@@ -144,6 +153,7 @@ TEST(CopyDatabase, NeverHalfAStatement) {
     const fs::path copy = dir.path() / "yedek.mdb";
     copyDatabase(database, copy.string());
     EXPECT_EQ(testing::readFileBytes(copy), before);
+#endif
 }
 
 }  // namespace

@@ -140,6 +140,7 @@ void expectSameRows(const TableDefinition& table, std::vector<ModelRow>& model,
 
 void expectMdbExportReadsTheSame(const std::string& file, const TableDefinition& table,
                                  const std::vector<ModelRow>& rows) {
+    if (std::string_view(MDB_EXPORT_EXECUTABLE).empty()) return;  // no mdbtools, as on Windows
     std::string ours;
     appendMdbExportHeader(ours, table);
     for (const ModelRow& row : rows) appendMdbExportRow(ours, table, row.values);

@@ -75,6 +75,7 @@ protected:
                                   << rows.size() << " written";
         EXPECT_EQ(table.rowCount, rows.size());
         EXPECT_EQ(checkIntegrity(database.file()), std::vector<std::string>{});
+        if (std::string_view(MDB_EXPORT_EXECUTABLE).empty()) return;  // no mdbtools, as on Windows
         const std::string theirs = runCommand(shellQuote(MDB_EXPORT_EXECUTABLE) + " " +
                                               shellQuote(path_) + " " +
                                               shellQuote(toUtf8(name)) + " 2>/dev/null");
@@ -293,7 +294,9 @@ TEST_F(SpaceReuse, RowsAddedAfterDeletionsComeLast) {
     database.createTable(kTmpMenu);
     EXPECT_EQ(database.file().pageCount(), pages);
     EXPECT_EQ(checkIntegrity(database.file()), std::vector<std::string>{});
-    EXPECT_EQ(runCommand("mdb-tables -1 " + shellQuote(path_)), tables + "TMPMENU\n");
+    if (!std::string_view(MDB_EXPORT_EXECUTABLE).empty()) {  // mdbtools, not on Windows
+        EXPECT_EQ(runCommand("mdb-tables -1 " + shellQuote(path_)), tables + "TMPMENU\n");
+    }
 }
 
 // A file grown past the inline window of its map of free pages: the map

@@ -7,7 +7,9 @@
 #include <iterator>
 #include <random>
 
+#ifndef _WIN32
 #include <sys/wait.h>
+#endif
 
 namespace jet::testing {
 
@@ -30,6 +32,11 @@ std::vector<std::filesystem::path> fixtureDatabases() {
 }
 
 std::string shellQuote(const std::string& text) {
+#ifdef _WIN32
+    // cmd.exe, which _popen runs, knows double quotes only; no file name
+    // holds one.
+    return '"' + text + '"';
+#endif
     std::string quoted = "'";
     for (const char c : text) {
         if (c == '\'') {
@@ -43,7 +50,13 @@ std::string shellQuote(const std::string& text) {
 
 std::string runCommand(const std::string& command, int* status) {
     std::string output;
+#ifdef _WIN32
+    // cmd.exe takes the line without its outer quotes when it starts with
+    // one; text mode turns the programs' CRLF into LF.
+    FILE* pipe = ::_popen(('"' + command + '"').c_str(), "r");
+#else
     FILE* pipe = ::popen(command.c_str(), "r");
+#endif
     if (pipe == nullptr) {
         if (status != nullptr) *status = -1;
         return output;
@@ -51,8 +64,13 @@ std::string runCommand(const std::string& command, int* status) {
     char buffer[1 << 16];
     std::size_t got = 0;
     while ((got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) output.append(buffer, got);
+#ifdef _WIN32
+    const int raw = ::_pclose(pipe);
+    if (status != nullptr) *status = raw;
+#else
     const int raw = ::pclose(pipe);
     if (status != nullptr) *status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+#endif
     return output;
 }
 

@@ -2,8 +2,8 @@
 
 #include <filesystem>
 #include <set>
-#include <string_view>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -16,12 +16,29 @@ namespace jet::testing {
 std::filesystem::path fixturesDir();
 
 // Skips the calling test, with a message, when the fixtures are absent.
-#define SKIP_WITHOUT_FIXTURES()                                                         \
-    do {                                                                                \
-        if (::jet::testing::fixturesDir().empty()) {                                    \
-            GTEST_SKIP() << "../shared/fixtures is absent: test skipped";               \
-        }                                                                               \
+#define SKIP_WITHOUT_FIXTURES()                                           \
+    do {                                                                  \
+        if (::jet::testing::fixturesDir().empty()) {                      \
+            GTEST_SKIP() << "../shared/fixtures is absent: test skipped"; \
+        }                                                                 \
     } while (false)
+
+// Skips the calling test where mdbtools, the other reader that checks what
+// we write, is not at hand: always so in the Windows build.
+#define SKIP_WITHOUT_MDBTOOLS()                                                                  \
+    do {                                                                                         \
+        if (std::string_view(MDB_EXPORT_EXECUTABLE).empty()) {                                   \
+            GTEST_SKIP() << "mdbtools (mdb-export) is not at hand, as on Windows: test skipped"; \
+        }                                                                                        \
+    } while (false)
+
+// Tests whose second process is made by fork() start their body with
+// `#ifdef NO_FORK SKIP_WITHOUT_FORK(); #else`: Windows has no fork().
+#ifdef _WIN32
+#define NO_FORK 1
+#define SKIP_WITHOUT_FORK() \
+    GTEST_SKIP() << "its second process is made by fork(), which Windows has not: test skipped"
+#endif
 
 // Every Access file among the fixtures that the dump must reproduce:
 // access/*.mdb and both kvl databases (not the large perf file).

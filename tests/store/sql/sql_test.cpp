@@ -146,6 +146,7 @@ void expectSortedStably(const sql::QueryResult& result, int column) {
 }
 
 TEST(Sql, EverySystemStatementOnTheSchoolDatabase) {
+    SKIP_WITHOUT_MDBTOOLS();
     SKIP_WITHOUT_FIXTURES();
     SchoolCopy copy;
     jet::Database database(copy.path(), jet::PageFile::Mode::ReadWrite);
@@ -622,6 +623,7 @@ TEST(Sql, IndexedEqualityReadsOnlyTheRowsOfTheKey) {
 }
 
 TEST(Sql, JetsqlPrintsRowsAndCounts) {
+    SKIP_WITHOUT_MDBTOOLS();
     SKIP_WITHOUT_FIXTURES();
     SchoolCopy copy;
     using jet::testing::runCommand;
