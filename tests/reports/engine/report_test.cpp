@@ -167,8 +167,6 @@ TEST(ReportLayout, DetailsFillThePageToTheFooterAndNoFurther) {
     ten.Run();
     ASSERT_EQ(ten.pages().size(), 1u);
     const Page& page = ten.pages()[0];
-    EXPECT_EQ(page.width, 6000);
-    EXPECT_EQ(page.height, 3000);
     EXPECT_AT(textBoxes(page, "LİSTE"), 300, 100);
     EXPECT_AT(textBoxes(page, "Ad 1"), 800, 600);
     EXPECT_AT(textBoxes(page, "Ad 10"), 800, 2400);
@@ -222,8 +220,8 @@ TEST(ReportLayout, EventsComeInTheirOrder) {
     EXPECT_EQ(none.events,
               (std::vector<QString>{"start", "header", "fetch eof", "group footer", "page 0"}));
     ASSERT_EQ(none.pages().size(), 1u);
-    EXPECT_EQ(textBoxes(none.pages()[0], "LİSTE").size(), 1u);
-    EXPECT_EQ(textBoxes(none.pages()[0], "SAYFA SONU").size(), 1u);
+    EXPECT_AT(textBoxes(none.pages()[0], "LİSTE"), 300, 100);
+    EXPECT_AT(textBoxes(none.pages()[0], "SAYFA SONU"), 300, 2600);
     EXPECT_TRUE(boxesOf<FrameItem>(none.pages()[0]).empty());
 
     // A handler that sets EOF ends the data without another fetch.
@@ -271,8 +269,7 @@ TEST(ReportLayout, CardsFillThreeColumnsOfALandscapePage) {
     EXPECT_AT(textBoxes(cards.pages()[1], "Ad 10"), 720 + 1276, 1440 + 1600);
     const std::vector<Box> photos = boxesOf<ImageItem>(first);
     ASSERT_EQ(photos.size(), 5u);  // students 1, 3, 5, 7 and 9
-    EXPECT_EQ(photos[2].left, 720 + column + 3240);
-    EXPECT_EQ(photos[2].top, 1440 + 2880 + 1230);
+    EXPECT_AT(std::vector<Box>{photos[2]}, 720 + column + 3240, 1440 + 2880 + 1230);
     // The barcode takes its column's value as text; its box is cut off at
     // the bottom of the card's band.
     const auto* barcodeItem = std::get_if<BarcodeItem>(&first.items.back());
