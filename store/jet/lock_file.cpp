@@ -120,7 +120,8 @@ std::shared_ptr<LockFile> LockFile::open(const std::string& databasePath, bool f
     }
     waitForLock(file, LockKind::Shared, kSessionByte, Clock::now() + timeouts().session,
                 timeouts().session, "cannot open the database " + databasePath);
-    std::shared_ptr<LockFile> shared(new LockFile(std::move(file)));
+    std::unique_ptr<JetUserSlot> jetUser = JetUserSlot::take(databasePath);
+    std::shared_ptr<LockFile> shared(new LockFile(std::move(file), std::move(jetUser)));
     known = shared;
     return shared;
 }
@@ -142,9 +143,11 @@ std::shared_ptr<LockFile> LockFile::openAlone(const std::string& databasePath) {
     return alone;
 }
 
-LockFile::LockFile(os::File file) : file_(std::move(file)) {}
+LockFile::LockFile(os::File file, std::unique_ptr<JetUserSlot> jetUser)
+    : file_(std::move(file)), jetUser_(std::move(jetUser)) {}
 
 LockFile::~LockFile() {
+    jetUser_.reset();
     // Closing the file lets go of its locks.
     file_.close();
     const std::lock_guard<std::mutex> guard(registryMutex);

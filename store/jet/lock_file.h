@@ -6,6 +6,7 @@
 #include <mutex>
 #include <string>
 
+#include "jet_users.h"
 #include "os_file.h"
 
 namespace jet {
@@ -33,6 +34,10 @@ void setLockTimeouts(const LockTimeouts& timeouts);
 // on disk: whoever finds it changed knows that what it kept from the file is
 // old.
 //
+// Beside it, the process takes a user slot in Microsoft Jet's own locking
+// information file ("kvl.ldb") for as long as it has the database open, as a
+// Jet program does, so that Jet's list of users shows it (see jet_users.h).
+//
 // One process opens a lock file once (open() hands out the same object to
 // every database of that file), and counts its readers and its writer
 // itself: a read inside the process's own write goes ahead, reading the file
@@ -42,17 +47,19 @@ public:
     static std::string lockPath(const std::string& databasePath);
 
     // The lock file of the database, made when missing, with this process's
-    // session lock on it. A database opened for reading in a folder where
-    // the lock file cannot be made gets none (null): nobody can write there.
-    // Throws Error when the file cannot be made for a writer, or when the
-    // session lock is not had within its time-out.
+    // session lock on it and its user slot in Jet's locking information file.
+    // A database opened for reading in a folder where the lock file cannot be
+    // made gets none (null): nobody can write there. Throws Error when the
+    // file cannot be made for a writer, when the session lock is not had
+    // within its time-out, or when Jet's user slots are all held.
     static std::shared_ptr<LockFile> open(const std::string& databasePath, bool forWriting);
 
     // The lock file of the database with this process's session lock held
     // exclusively: no other copy of the program opens the database while it
     // lives, and this process's own databases of that file share it (see
-    // open()). Null when another copy has the database open, or this process
-    // has it open already. Throws Error when the lock file cannot be made.
+    // open()). It takes no Jet user slot: it is for work on the file alone.
+    // Null when another copy has the database open, or this process has it
+    // open already. Throws Error when the lock file cannot be made.
     static std::shared_ptr<LockFile> openAlone(const std::string& databasePath);
 
     ~LockFile();
@@ -89,12 +96,13 @@ public:
     void raiseCommitCount() noexcept;
 
 private:
-    explicit LockFile(os::File file);
+    explicit LockFile(os::File file, std::unique_ptr<JetUserSlot> jetUser = nullptr);
     void release(bool writing) noexcept;
 
     os::File file_;
-    std::mutex mutex_;  // guards the counts below
-    int readers_ = 0;   // reads under way in this process
+    std::unique_ptr<JetUserSlot> jetUser_;  // none for work alone, or where it cannot be made
+    std::mutex mutex_;                      // guards the counts below
+    int readers_ = 0;                       // reads under way in this process
     bool writing_ = false;
 };
 

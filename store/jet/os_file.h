@@ -55,10 +55,14 @@ public:
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
+    // Whether others may remove or rename the file while it is open here.
+    // POSIX systems always let them; Windows refuses it when asked to.
+    enum class Removal { Allowed, Refused };
+
     // Opens `path`; the result is not open() when that failed. The file is
-    // open to others' reads, writes and renames while we hold it, as a POSIX
-    // system's files always are.
-    static File open(const std::string& path, Mode mode);
+    // open to others' reads and writes while we hold it, and by default to
+    // their renames and removals, as a POSIX system's files always are.
+    static File open(const std::string& path, Mode mode, Removal removal = Removal::Allowed);
 
     bool isOpen() const;
 
@@ -153,6 +157,9 @@ void syncFolder(const std::string& folder);
 bool isWritable(const std::string& path);
 
 std::uint64_t processId();
+// The name of this computer as the system gives it (Windows: its NetBIOS
+// name, in the ANSI code page; POSIX: the host name); empty when unknown.
+std::string computerName();
 // Ends the process at once, as a crash would: no destructor, no flush.
 [[noreturn]] void killThisProcess();
 

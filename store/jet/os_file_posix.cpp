@@ -59,7 +59,7 @@ File& File::operator=(File&& other) noexcept {
     return *this;
 }
 
-File File::open(const std::string& path, Mode mode) {
+File File::open(const std::string& path, Mode mode, Removal /*removal: always allowed*/) {
     int flags = O_CLOEXEC;
     switch (mode) {
         case Mode::Read:
@@ -196,6 +196,13 @@ bool isWritable(const std::string& path) {
 
 std::uint64_t processId() {
     return static_cast<std::uint64_t>(::getpid());
+}
+
+std::string computerName() {
+    char name[256] = {};
+    if (::gethostname(name, sizeof name - 1) != 0)
+        return {};
+    return name;
 }
 
 void killThisProcess() {

@@ -71,7 +71,7 @@ File& File::operator=(File&& other) noexcept {
     return *this;
 }
 
-File File::open(const std::string& path, Mode mode) {
+File File::open(const std::string& path, Mode mode, Removal removal) {
     DWORD access = GENERIC_READ | GENERIC_WRITE;
     DWORD disposition = OPEN_EXISTING;
     switch (mode) {
@@ -88,12 +88,15 @@ File File::open(const std::string& path, Mode mode) {
             disposition = CREATE_ALWAYS;
             break;
     }
-    // Shared every way, as POSIX files are: the gate program and our other
-    // copies keep the database open, and a journal is removed while a
-    // reader may hold it. Handles are not inherited (no security attributes).
-    HANDLE handle = ::CreateFileW(wide(path).c_str(), access,
-                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                  disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+    // Shared every way (unless removal is refused), as POSIX files are: the
+    // gate program and our other copies keep the database open, and a
+    // journal is removed while a reader may hold it. Handles are not
+    // inherited (no security attributes).
+    DWORD sharing = FILE_SHARE_READ | FILE_SHARE_WRITE;
+    if (removal == Removal::Allowed)
+        sharing |= FILE_SHARE_DELETE;
+    HANDLE handle = ::CreateFileW(wide(path).c_str(), access, sharing, nullptr, disposition,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr);
     return File(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
 }
 
@@ -228,6 +231,14 @@ bool isWritable(const std::string& path) {
 
 std::uint64_t processId() {
     return ::GetCurrentProcessId();
+}
+
+std::string computerName() {
+    char name[MAX_COMPUTERNAME_LENGTH + 1] = {};
+    DWORD length = sizeof name;
+    if (!::GetComputerNameA(name, &length))
+        return {};
+    return std::string(name, length);
 }
 
 void killThisProcess() {

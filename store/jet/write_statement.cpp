@@ -33,6 +33,11 @@ const Page& WriteStatement::cached(std::uint32_t number) const {
 void WriteStatement::read(std::uint32_t number, Page& page) const { page = cached(number); }
 
 Page& WriteStatement::change(std::uint32_t number) {
+    // Page 0 holds the header and, in Jet 3 at least, the bytes in which Jet
+    // marks its users' commits under way (see jet_locking.md): no write of
+    // ours touches it.
+    if (number == 0)
+        throw Error("a write to " + file_.path() + " would change its header page");
     Page& page = const_cast<Page&>(cached(number));
     if (savepoint_ && number < savepoint_->pageCount && savepoint_->before.count(number) == 0) {
         savepoint_->before.emplace(number, page);
