@@ -6,7 +6,6 @@
 #include <unistd.h>
 #endif
 
-#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -37,10 +36,9 @@ public:
         file_ = os::File::open(ldb.string(), os::File::Mode::OpenOrCreate);
         EXPECT_EQ(file_.tryLock(kFirstSlotByte + slot, os::LockKind::Exclusive),
                   os::LockResult::Taken);
-        char record[64] = {};
-        std::memcpy(record, computer.data(), computer.size());
-        std::memcpy(record + 32, "Admin", 5);
-        EXPECT_TRUE(file_.writeAll(record, sizeof record, std::uint64_t(slot) * 64));
+        std::string record = computer + std::string(32 - computer.size(), '\0') + "Admin";
+        record.resize(64, '\0');
+        EXPECT_TRUE(file_.writeAll(record.data(), record.size(), std::uint64_t(slot) * 64));
     }
     void leave() { file_.unlock(kFirstSlotByte + slot_); }
 
@@ -69,7 +67,7 @@ std::vector<Place> places(const std::string& database) {
 }
 
 std::string newDatabase(const testing::TempDir& dir) {
-    const std::string path = (dir.path() / "kvl.mdb").string();
+    std::string path = (dir.path() / "kvl.mdb").string();
     createDatabase(path, {});
     return path;
 }
