@@ -1,6 +1,7 @@
 #include "lock_file.h"
 
 #include <map>
+#include <optional>
 #include <thread>
 #include <tuple>
 #include <utility>
@@ -85,6 +86,29 @@ std::map<LockFileKey, std::weak_ptr<LockFile>>& registry() {
     return files;
 }
 
+struct OpenedFile {
+    os::File file;
+    os::FileIdentity identity;
+};
+
+// The lock file at `path`, made when missing. Where it cannot be made, a
+// reader makes do with reading it, and gets nothing when even that fails;
+// for anyone else that throws Error.
+std::optional<OpenedFile> openLockFile(const std::string& path, bool readingWillDo) {
+    os::File file = os::File::open(path, os::File::Mode::OpenOrCreate);
+    if (!file.isOpen() && readingWillDo)
+        file = os::File::open(path, os::File::Mode::Read);
+    if (!file.isOpen()) {
+        if (readingWillDo)
+            return std::nullopt;
+        throw Error("cannot make the lock file " + path + ": " + os::lastError());
+    }
+    const std::optional<os::FileIdentity> identity = file.identity();
+    if (!identity)
+        throw Error("cannot read the lock file " + path + ": " + os::lastError());
+    return OpenedFile{std::move(file), *identity};
+}
+
 }  // namespace
 
 LockTimeouts lockTimeouts() {
@@ -100,45 +124,29 @@ std::string LockFile::lockPath(const std::string& databasePath) {
 }
 
 std::shared_ptr<LockFile> LockFile::open(const std::string& databasePath, bool forWriting) {
-    const std::string path = lockPath(databasePath);
-    os::File file = os::File::open(path, os::File::Mode::OpenOrCreate);
-    if (!file.isOpen() && !forWriting)
-        file = os::File::open(path, os::File::Mode::Read);
-    if (!file.isOpen()) {
-        if (!forWriting)
-            return nullptr;
-        throw Error("cannot make the lock file " + path + ": " + os::lastError());
-    }
-    const std::optional<os::FileIdentity> identity = file.identity();
-    if (!identity) {
-        throw Error("cannot read the lock file " + path + ": " + os::lastError());
-    }
+    std::optional<OpenedFile> opened = openLockFile(lockPath(databasePath), !forWriting);
+    if (!opened)
+        return nullptr;
     const std::lock_guard<std::mutex> guard(registryMutex);
-    auto& known = registry()[{os::processId(), *identity}];
+    auto& known = registry()[{os::processId(), opened->identity}];
     if (std::shared_ptr<LockFile> shared = known.lock()) {
         return shared;
     }
-    waitForLock(file, LockKind::Shared, kSessionByte, Clock::now() + timeouts().session,
+    waitForLock(opened->file, LockKind::Shared, kSessionByte, Clock::now() + timeouts().session,
                 timeouts().session, "cannot open the database " + databasePath);
     std::unique_ptr<JetUserSlot> jetUser = JetUserSlot::take(databasePath);
-    std::shared_ptr<LockFile> shared(new LockFile(std::move(file), std::move(jetUser)));
+    std::shared_ptr<LockFile> shared(new LockFile(std::move(opened->file), std::move(jetUser)));
     known = shared;
     return shared;
 }
 
 std::shared_ptr<LockFile> LockFile::openAlone(const std::string& databasePath) {
-    const std::string path = lockPath(databasePath);
-    os::File file = os::File::open(path, os::File::Mode::OpenOrCreate);
-    if (!file.isOpen())
-        throw Error("cannot make the lock file " + path + ": " + os::lastError());
-    const std::optional<os::FileIdentity> identity = file.identity();
-    if (!identity)
-        throw Error("cannot read the lock file " + path + ": " + os::lastError());
+    std::optional<OpenedFile> opened = openLockFile(lockPath(databasePath), false);
     const std::lock_guard<std::mutex> guard(registryMutex);
-    auto& known = registry()[{os::processId(), *identity}];
-    if (!known.expired() || !tryLock(file, LockKind::Exclusive, kSessionByte))
+    auto& known = registry()[{os::processId(), opened->identity}];
+    if (!known.expired() || !tryLock(opened->file, LockKind::Exclusive, kSessionByte))
         return nullptr;
-    std::shared_ptr<LockFile> alone(new LockFile(std::move(file)));
+    std::shared_ptr<LockFile> alone(new LockFile(std::move(opened->file)));
     known = alone;
     return alone;
 }
