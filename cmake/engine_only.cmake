@@ -1,8 +1,9 @@
 # The engine alone, without Qt: what the Windows build (cmake/mingw-w64.cmake)
 # makes, and what any build with SOFRAVAN_ENGINE_ONLY=ON makes.
 #   libraries  jet (store/jet), sql (store/sql), store with its workbook reader
-#   tools      jetdump, jetcheck, jetsql (make-demo needs Qt6::Gui for its
-#              pictures and print-report the whole shell: both left out)
+#   tools      jetdump, jetcheck, jetsql, jetcompact, make-demo (its database
+#              without the pictures, which need Qt6::Gui); print-report,
+#              which needs the whole shell, is left out
 #   tests      jet_tests, sql_tests, store_tests
 # A new engine file, tool or test needs nothing here: store/jet's, tools' and
 # tests/store/jet's own CMakeLists.txt bring it in (the compaction's

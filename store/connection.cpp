@@ -86,8 +86,9 @@ void Connection::Open(std::string_view connectionString) {
     }
     const bool readOnly = startsWithIgnoringCase(parsed.value("Mode").value_or(""), "Read") &&
                           !startsWithIgnoringCase(parsed.value("Mode").value_or(""), "ReadWrite");
-    source_ =
-        std::make_shared<JetSource>(path.string(), jet::fromUtf8(parsed.password()), readOnly);
+    const std::u8string file = path.u8string();
+    source_ = std::make_shared<JetSource>(std::string(file.begin(), file.end()),
+                                          jet::fromUtf8(parsed.password()), readOnly);
 }
 
 void Connection::Close() {

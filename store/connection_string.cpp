@@ -3,6 +3,7 @@
 #include <system_error>
 
 #include "store/data_error.h"
+#include "store/jet/os_file.h"
 #include "store/jet/text.h"
 #include "store/sql/collation.h"
 
@@ -11,6 +12,12 @@ namespace {
 
 bool isBlank(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+// A path as UTF-8, for the engine and for messages.
+std::string utf8(const std::filesystem::path& path) {
+    const std::u8string text = path.u8string();
+    return {text.begin(), text.end()};
 }
 
 std::string_view trim(std::string_view text) {
@@ -136,7 +143,7 @@ std::filesystem::path resolveDataSource(std::string_view dataSource) {
             c = '/';
         }
     }
-    std::filesystem::path path(source);
+    std::filesystem::path path = jet::os::utf8Path(source);
     if (path.is_relative()) {
         path = std::filesystem::current_path() / path;
     }
@@ -150,23 +157,23 @@ std::filesystem::path resolveDataSource(std::string_view dataSource) {
         return path;
     }
     const std::filesystem::path folder = path.parent_path();
-    const std::u16string wanted = jet::fromUtf8(path.filename().string());
+    const std::u16string wanted = jet::fromUtf8(utf8(path.filename()));
     std::filesystem::path found;
     int matches = 0;
     std::filesystem::directory_iterator entries(folder, error);
     if (!error) {
         for (const std::filesystem::directory_entry& entry : entries) {
-            if (sql::sameName(jet::fromUtf8(entry.path().filename().string()), wanted)) {
+            if (sql::sameName(jet::fromUtf8(utf8(entry.path().filename())), wanted)) {
                 found = entry.path();
                 ++matches;
             }
         }
     }
     if (matches == 0) {
-        throw DataError("database file not found: " + path.string());
+        throw DataError("database file not found: " + utf8(path));
     }
     if (matches > 1) {
-        throw DataError("database file " + path.string() +
+        throw DataError("database file " + utf8(path) +
                         ": several files of that name in other cases, none exactly so");
     }
     return found;

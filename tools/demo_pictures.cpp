@@ -3,10 +3,13 @@
 #include <stdexcept>
 
 #include <QFont>
+#include <QGuiApplication>
 #include <QImageWriter>
 #include <QPainter>
 #include <QPainterPath>
 #include <QString>
+
+#include "tools/picture_writer.h"
 
 namespace demo {
 namespace {
@@ -29,10 +32,12 @@ QString initials(const Portrait& person) {
 }
 
 void save(const QImage& image, const std::filesystem::path& path) {
-    QImageWriter writer(QString::fromStdString(path.string()), "jpeg");
+    const QString name = QString::fromStdU16String(path.u16string());
+    QImageWriter writer(name, "jpeg");
     writer.setQuality(kJpegQuality);
     if (!writer.write(image)) {
-        throw std::runtime_error(path.string() + ": " + writer.errorString().toStdString());
+        throw std::runtime_error(
+            (name + QStringLiteral(": ") + writer.errorString()).toStdString());
     }
 }
 
@@ -97,7 +102,14 @@ QImage schoolLogo() {
     return image;
 }
 
-void writePictures(const std::filesystem::path& folder, const std::vector<Portrait>& portraits) {
+bool writePictures(const std::filesystem::path& folder, const std::vector<Portrait>& portraits) {
+    // Drawing text needs a GUI application, but no screen.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    int argc = 1;
+    char name[] = "make-demo";
+    char* argv[] = {name, nullptr};
+    const QGuiApplication application(argc, argv);
     for (const Portrait& person : portraits) {
         const std::filesystem::path path(person.path);
         std::filesystem::create_directories(path.parent_path());
@@ -105,6 +117,7 @@ void writePictures(const std::filesystem::path& folder, const std::vector<Portra
     }
     save(identityCardBackground(), folder / "GunduzluKimlik.jpg");
     save(schoolLogo(), folder / "logo.jpg");
+    return true;
 }
 
 }  // namespace demo

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <filesystem>
-#include <vector>
-
 #include <QImage>
 
 #include "tools/demo_school.h"
@@ -22,9 +19,6 @@ QImage identityCardBackground();
 // The school's logo.
 QImage schoolLogo();
 
-// Writes every portrait to its path, and the card background and the logo
-// as GunduzluKimlik.jpg and logo.jpg into `folder`. Throws std::runtime_error
-// when a file cannot be written.
-void writePictures(const std::filesystem::path& folder, const std::vector<Portrait>& portraits);
+// Writing them to files: writePictures() of tools/picture_writer.h.
 
 }  // namespace demo

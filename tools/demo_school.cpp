@@ -1,6 +1,7 @@
 #include "tools/demo_school.h"
 
 #include <array>
+#include <filesystem>
 #include <random>
 
 namespace demo {
@@ -125,8 +126,11 @@ School makeSchool(const SchoolSize& size, const std::u16string& pictureFolder) {
     const auto pictureOf = [&](const Person& person) {
         if (!person.hasPicture)
             return Value();
+        // The system's own separator: a backslash on Windows, as its programs write paths.
+        constexpr auto kSeparator =
+            static_cast<char16_t>(std::filesystem::path::preferred_separator);
         const std::u16string path =
-            pictureFolder + u"/" + text(std::to_string(person.number)) + u".jpg";
+            pictureFolder + kSeparator + text(std::to_string(person.number)) + u".jpg";
         school.portraits.push_back({path, person.name, person.surname, person.number});
         return Value::text(path);
     };

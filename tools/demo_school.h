@@ -40,7 +40,7 @@ struct School {
 };
 
 // `pictureFolder`: where the students' photographs are said to be; the paths
-// in ORNEK.resim are that folder, a separator and "<Numara>.jpg".
+// in ORNEK.resim are that folder, the system's separator and "<Numara>.jpg".
 School makeSchool(const SchoolSize& size, const std::u16string& pictureFolder);
 
 }  // namespace demo

@@ -9,8 +9,12 @@
 #include "store/jet/database.h"
 #include "store/jet/error.h"
 #include "store/jet/integrity_check.h"
+#include "tools/utf8_args.h"
 
 int main(int argc, char** argv) {
+    const tools::Utf8Arguments arguments(argc, argv);
+    argc = arguments.count();
+    argv = arguments.values();
     if (argc != 2) {
         std::fputs("usage: jetcheck FILE\n", stderr);
         return 2;

@@ -15,8 +15,12 @@
 #include "store/jet/error.h"
 #include "store/jet/in_use.h"
 #include "store/jet/text.h"
+#include "tools/utf8_args.h"
 
 int main(int argc, char** argv) {
+    const tools::Utf8Arguments arguments(argc, argv);
+    argc = arguments.count();
+    argv = arguments.values();
     std::u16string password;
     int first = 1;
     if (argc == 5 && std::strcmp(argv[1], "--password") == 0) {

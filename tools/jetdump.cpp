@@ -9,17 +9,17 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "store/connection.h"
 #include "store/jet/database.h"
 #include "store/jet/error.h"
+#include "store/jet/os_file.h"
 #include "store/jet/text.h"
 #include "store/recordset.h"
 #include "tools/mdb_export_format.h"
+#include "tools/utf8_args.h"
 
 namespace {
 
@@ -60,12 +60,14 @@ bool isWorkbook(const std::string& path) {
     static constexpr unsigned char kCompoundFile[8] = {0xD0, 0xCF, 0x11, 0xE0,
                                                        0xA1, 0xB1, 0x1A, 0xE1};
     unsigned char start[8] = {};
-    std::ifstream in(path, std::ios::binary);
-    if (in.read(reinterpret_cast<char*>(start), sizeof start) &&
+    const jet::os::File in = jet::os::File::open(path, jet::os::File::Mode::Read);
+    if (in.isOpen() && in.readAll(start, sizeof start, 0) == sizeof start &&
         (std::equal(start, start + 8, kCompoundFile) || (start[0] == 'P' && start[1] == 'K'))) {
         return true;
     }
-    std::string extension = std::filesystem::path(path).extension().string();
+    // The name's last dot, if after the last folder separator of either system.
+    const std::size_t dot = path.find_last_of("./\\");
+    std::string extension = dot != std::string::npos && path[dot] == '.' ? path.substr(dot) : "";
     for (char& c : extension)
         c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     return extension == ".xls" || extension == ".xlsx";
@@ -124,6 +126,9 @@ void dumpWorkbook(const std::string& path, const char* tableName) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    const tools::Utf8Arguments arguments(argc, argv);
+    argc = arguments.count();
+    argv = arguments.values();
     if (argc != 2 && argc != 3) {
         std::fprintf(stderr, "usage: jetdump FILE [TABLE]\n");
         return 2;

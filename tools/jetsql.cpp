@@ -14,6 +14,7 @@
 #include "store/sql/executor.h"
 #include "store/sql/parser.h"
 #include "tools/mdb_export_format.h"
+#include "tools/utf8_args.h"
 
 namespace {
 
@@ -81,6 +82,9 @@ jet::TableDefinition resultLayout(const jet::Database& database, const sql::Quer
 }  // namespace
 
 int main(int argc, char** argv) {
+    const tools::Utf8Arguments arguments(argc, argv);
+    argc = arguments.count();
+    argv = arguments.values();
     if (argc != 3) {
         std::fprintf(stderr, "usage: jetsql FILE \"STATEMENT\"\n");
         return 2;

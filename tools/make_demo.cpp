@@ -6,7 +6,8 @@
 // DIR/resimler, and the card background and logo, GunduzluKimlik.jpg and
 // logo.jpg. Large arguments make benchmark files. With --roll-call the file
 // is the roll-call program's instead: ORNEK and Pansiyon alone, without
-// indexes, behind that program's password.
+// indexes, behind that program's password. The build without Qt writes the
+// same database and no pictures, and says so on standard error.
 
 #include <cstdio>
 #include <cstdlib>
@@ -14,14 +15,14 @@
 #include <string>
 #include <vector>
 
-#include <QGuiApplication>
-
 #include "store/jet/database.h"
 #include "store/jet/error.h"
+#include "store/jet/os_file.h"
 #include "store/jet/table_definition_builder.h"
 #include "store/jet/text.h"
-#include "tools/demo_pictures.h"
 #include "tools/demo_school.h"
+#include "tools/picture_writer.h"
+#include "tools/utf8_args.h"
 
 namespace {
 
@@ -127,6 +128,12 @@ void insertInStatements(jet::Database& database, std::u16string_view table,
     }
 }
 
+// A path as UTF-8, as the engine and the console take it.
+std::string utf8(const std::filesystem::path& path) {
+    const std::u8string text = path.u8string();
+    return {text.begin(), text.end()};
+}
+
 int usage() {
     std::fputs("usage: make-demo DIR [--students N] [--boarders N] [--meal-days N] [--roll-call]\n",
                stderr);
@@ -136,8 +143,11 @@ int usage() {
 }  // namespace
 
 int main(int argc, char** argv) {
+    const tools::Utf8Arguments arguments(argc, argv);
+    argc = arguments.count();
+    argv = arguments.values();
     if (argc < 2) return usage();
-    const std::filesystem::path folder = argv[1];
+    const std::filesystem::path folder = jet::os::utf8Path(argv[1]);
     demo::SchoolSize size;
     bool rollCall = false;
     for (int i = 2; i < argc; ++i) {
@@ -160,24 +170,19 @@ int main(int argc, char** argv) {
             return usage();
         }
     }
-    // The pictures' text needs a GUI application, but no screen.
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    }
-    const QGuiApplication application(argc, argv);
     try {
         std::filesystem::create_directories(folder);
         const std::filesystem::path file = folder / "kvl.mdb";
         if (std::filesystem::exists(file)) {
-            std::fprintf(stderr, "make-demo: %s exists; remove it first\n", file.string().c_str());
+            std::fprintf(stderr, "make-demo: %s exists; remove it first\n", utf8(file).c_str());
             return 1;
         }
-        const demo::School school =
-            demo::makeSchool(size, jet::fromUtf8(std::filesystem::absolute(folder / "resimler").string()));
+        const std::filesystem::path pictureFolder = std::filesystem::absolute(folder / "resimler");
+        const demo::School school = demo::makeSchool(size, jet::fromUtf8(utf8(pictureFolder)));
         jet::NewDatabaseOptions options;
         options.password = rollCall ? kRollCallPassword : kPassword;
-        jet::Database::create(file.string(), options);
-        jet::Database database(file.string(), jet::PageFile::Mode::ReadWrite);
+        jet::Database::create(utf8(file), options);
+        jet::Database database(utf8(file), jet::PageFile::Mode::ReadWrite);
         for (const NewTable& table : rollCall ? rollCallSchema() : schema())
             database.createTable(table);
         if (!rollCall)
@@ -190,17 +195,24 @@ int main(int argc, char** argv) {
             insertInStatements(database, u"MENULER", school.menus);
             insertInStatements(database, u"TMP", school.tally);
         }
-        demo::writePictures(folder, school.portraits);
+        const bool drawn = demo::writePictures(folder, school.portraits);
         if (rollCall) {
             std::printf("%s: the roll-call program's, %zu students, %zu boarders\n",
-                        file.string().c_str(), school.students.size(), school.boarders.size());
+                        utf8(file).c_str(), school.students.size(), school.boarders.size());
         } else {
             std::printf("%s: %zu students, %zu boarders, %zu permits, %zu meals, %zu menu rows\n",
-                        file.string().c_str(), school.students.size(), school.boarders.size(),
+                        utf8(file).c_str(), school.students.size(), school.boarders.size(),
                         school.permits.size(), school.meals.size(), school.menus.size());
         }
-        std::printf("%s: %zu photographs\n", (folder / "resimler").string().c_str(),
-                    school.portraits.size());
+        if (drawn) {
+            std::printf("%s: %zu photographs\n", utf8(folder / "resimler").c_str(),
+                        school.portraits.size());
+        } else {
+            std::fputs(
+                "make-demo: this build has no Qt and draws no pictures: the photographs, "
+                "card background and logo the database names are not written\n",
+                stderr);
+        }
     } catch (const std::exception& error) {
         std::fprintf(stderr, "make-demo: %s\n", error.what());
         return 1;

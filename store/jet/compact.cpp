@@ -16,6 +16,7 @@
 #include "header.h"
 #include "in_use.h"
 #include "journal.h"
+#include "os_file.h"
 #include "page_file.h"
 #include "table_writer.h"
 #include "text.h"
@@ -138,15 +139,15 @@ void checkPassword(const DatabaseHeader& header, std::u16string_view password,
 // Removes what the copy under construction left beside it.
 void removeCopy(const std::string& path) {
     std::error_code ignored;
-    fs::remove(path, ignored);
-    fs::remove(LockFile::lockPath(path), ignored);
-    fs::remove(RollbackJournal::journalPath(path), ignored);
+    fs::remove(os::utf8Path(path), ignored);
+    fs::remove(os::utf8Path(LockFile::lockPath(path)), ignored);
+    fs::remove(os::utf8Path(RollbackJournal::journalPath(path)), ignored);
 }
 
 void writeCopy(const std::string& in, const std::string& temporary, std::u16string_view password) {
     // A statement that a crashed writer left unfinished is undone first,
     // which takes the file open for writing.
-    const bool unfinished = fs::exists(RollbackJournal::journalPath(in));
+    const bool unfinished = fs::exists(os::utf8Path(RollbackJournal::journalPath(in)));
     const Database original(in, unfinished ? PageFile::Mode::ReadWrite : PageFile::Mode::ReadOnly);
     const DatabaseHeader& header = original.header();
     checkPassword(header, password, in);
@@ -181,7 +182,7 @@ void writeCopy(const std::string& in, const std::string& temporary, std::u16stri
 
 void compactDatabase(const std::string& in, const std::string& out, std::u16string_view password) {
     std::error_code error;
-    if (fs::exists(out, error))
+    if (fs::exists(os::utf8Path(out), error))
         throw Error("cannot write " + out + ": the file exists");
     if (error)
         throw Error("cannot write " + out + ": " + error.message());
@@ -193,10 +194,10 @@ void compactDatabase(const std::string& in, const std::string& out, std::u16stri
     removeCopy(temporary);  // what an interrupted compaction left
     try {
         writeCopy(in, temporary, password);
-        fs::remove(LockFile::lockPath(temporary), error);
-        if (fs::exists(out, error))
+        fs::remove(os::utf8Path(LockFile::lockPath(temporary)), error);
+        if (fs::exists(os::utf8Path(out), error))
             throw Error("cannot write " + out + ": the file appeared meanwhile");
-        fs::rename(temporary, out);
+        fs::rename(os::utf8Path(temporary), os::utf8Path(out));
     } catch (const fs::filesystem_error& failure) {
         removeCopy(temporary);
         throw Error("cannot write " + out + ": " + failure.what());

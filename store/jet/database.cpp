@@ -6,6 +6,7 @@
 #include "create_table.h"
 #include "error.h"
 #include "journal.h"
+#include "os_file.h"
 #include "table_writer.h"
 #include "text.h"
 #include "write_statement.h"
@@ -35,7 +36,7 @@ Database::Database(const std::string& path, PageFile::Mode mode)
       locks_(LockFile::open(path, mode == PageFile::Mode::ReadWrite)) {
     file_.setEncodingKey(header_.encodingKey);
     if (mode == PageFile::Mode::ReadWrite &&
-        std::filesystem::exists(RollbackJournal::journalPath(path))) {
+        std::filesystem::exists(os::utf8Path(RollbackJournal::journalPath(path)))) {
         // A statement a crashed writer left unfinished is undone first.
         const LockFile::Hold lock = locks_->holdForWriting();
         RollbackJournal::rollBack(file_);
@@ -55,7 +56,8 @@ const PageSource& Database::pages() const {
 LockFile::Hold Database::holdForReading() const {
     if (writing_ != nullptr || scope_ != nullptr || locks_ == nullptr)
         return {};
-    if (file_.writable() && std::filesystem::exists(RollbackJournal::journalPath(path()))) {
+    if (file_.writable() &&
+        std::filesystem::exists(os::utf8Path(RollbackJournal::journalPath(path())))) {
         // A copy died in the middle of a commit: what it wrote is undone
         // before anything of it is read.
         const LockFile::Hold lock = locks_->holdForWriting();

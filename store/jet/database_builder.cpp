@@ -1,12 +1,10 @@
 #include "database_builder.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
-#include <fstream>
 
 #include "data_page_builder.h"
 #include "error.h"
@@ -14,6 +12,7 @@
 #include "header_builder.h"
 #include "index_key.h"
 #include "index_page_builder.h"
+#include "os_file.h"
 #include "row_encoder.h"
 #include "text.h"
 
@@ -76,9 +75,9 @@ void setBit(Bytes& map, std::uint32_t page, bool on) {
 
 void writeFile(const std::string& path, const std::vector<Page>& pages, std::uint32_t key) {
     {
-        std::ofstream create(path, std::ios::binary | std::ios::trunc);
-        if (!create)
-            throw Error("cannot create " + path + ": " + std::strerror(errno));
+        os::File create = os::File::open(path, os::File::Mode::Replace);
+        if (!create.isOpen() || !create.close())
+            throw Error("cannot create " + path + ": " + os::lastError());
     }
     PageFile file(path, PageFile::Mode::ReadWrite);
     file.setEncodingKey(key);
@@ -178,7 +177,7 @@ Date currentDate() {
 void createDatabase(const std::string& path, const NewDatabaseOptions& options) {
     namespace fs = std::filesystem;
     std::error_code ignored;
-    if (fs::exists(path, ignored))
+    if (fs::exists(os::utf8Path(path), ignored))
         throw Error("cannot create " + path + ": the file exists");
 
     DatabaseHeader header;
@@ -298,9 +297,10 @@ void createDatabase(const std::string& path, const NewDatabaseOptions& options) 
     const std::string temporary = path + ".new";
     try {
         writeFile(temporary, file.pages, options.encodingKey);
-        fs::rename(temporary, path);
+        if (!os::renameOver(temporary, path))
+            throw Error(os::lastError());
     } catch (const std::exception& error) {
-        fs::remove(temporary, ignored);
+        os::removeFile(temporary);
         throw Error("cannot create " + path + ": " + error.what());
     }
 }

@@ -14,6 +14,7 @@
 #include "parser.h"
 #include "store/jet/index_key.h"
 #include "store/jet/index_page.h"
+#include "store/jet/os_file.h"
 #include "store/jet/text.h"
 #include "store/jet/usage_map.h"
 
@@ -702,7 +703,9 @@ TableStamp stampOf(const jet::Database& database, const jet::TableDefinition& ta
 std::string groupCacheKey(const jet::Database& database, const jet::TableDefinition& table,
                           const std::vector<int>& groupColumns,
                           const std::vector<Node>& aggregates) {
-    std::string key = std::filesystem::absolute(database.path()).string();
+    const std::u8string file =
+        std::filesystem::absolute(jet::os::utf8Path(database.path())).u8string();
+    std::string key(file.begin(), file.end());
     key += '\0' + std::to_string(table.page);
     for (int c : groupColumns)
         key += ' ' + std::to_string(c);
