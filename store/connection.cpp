@@ -7,6 +7,7 @@
 
 #include "store/connection_string.h"
 #include "store/data_error.h"
+#include "store/jet/os_file.h"
 #include "store/jet/text.h"
 #include "store/sql/collation.h"
 #include "store/workbook_source.h"
@@ -86,9 +87,8 @@ void Connection::Open(std::string_view connectionString) {
     }
     const bool readOnly = startsWithIgnoringCase(parsed.value("Mode").value_or(""), "Read") &&
                           !startsWithIgnoringCase(parsed.value("Mode").value_or(""), "ReadWrite");
-    const std::u8string file = path.u8string();
-    source_ = std::make_shared<JetSource>(std::string(file.begin(), file.end()),
-                                          jet::fromUtf8(parsed.password()), readOnly);
+    source_ = std::make_shared<JetSource>(jet::os::utf8Text(path), jet::fromUtf8(parsed.password()),
+                                          readOnly);
 }
 
 void Connection::Close() {

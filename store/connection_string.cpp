@@ -14,12 +14,6 @@ bool isBlank(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 
-// A path as UTF-8, for the engine and for messages.
-std::string utf8(const std::filesystem::path& path) {
-    const std::u8string text = path.u8string();
-    return {text.begin(), text.end()};
-}
-
 std::string_view trim(std::string_view text) {
     while (!text.empty() && isBlank(text.front())) {
         text.remove_prefix(1);
@@ -157,23 +151,23 @@ std::filesystem::path resolveDataSource(std::string_view dataSource) {
         return path;
     }
     const std::filesystem::path folder = path.parent_path();
-    const std::u16string wanted = jet::fromUtf8(utf8(path.filename()));
+    const std::u16string wanted = jet::fromUtf8(jet::os::utf8Text(path.filename()));
     std::filesystem::path found;
     int matches = 0;
     std::filesystem::directory_iterator entries(folder, error);
     if (!error) {
         for (const std::filesystem::directory_entry& entry : entries) {
-            if (sql::sameName(jet::fromUtf8(utf8(entry.path().filename())), wanted)) {
+            if (sql::sameName(jet::fromUtf8(jet::os::utf8Text(entry.path().filename())), wanted)) {
                 found = entry.path();
                 ++matches;
             }
         }
     }
     if (matches == 0) {
-        throw DataError("database file not found: " + utf8(path));
+        throw DataError("database file not found: " + jet::os::utf8Text(path));
     }
     if (matches > 1) {
-        throw DataError("database file " + utf8(path) +
+        throw DataError("database file " + jet::os::utf8Text(path) +
                         ": several files of that name in other cases, none exactly so");
     }
     return found;

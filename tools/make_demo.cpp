@@ -26,6 +26,8 @@
 
 namespace {
 
+using jet::os::utf8Text;
+
 using jet::ColumnType;
 using jet::NewColumn;
 using jet::NewIndex;
@@ -128,12 +130,6 @@ void insertInStatements(jet::Database& database, std::u16string_view table,
     }
 }
 
-// A path as UTF-8, as the engine and the console take it.
-std::string utf8(const std::filesystem::path& path) {
-    const std::u8string text = path.u8string();
-    return {text.begin(), text.end()};
-}
-
 int usage() {
     std::fputs("usage: make-demo DIR [--students N] [--boarders N] [--meal-days N] [--roll-call]\n",
                stderr);
@@ -174,15 +170,15 @@ int main(int argc, char** argv) {
         std::filesystem::create_directories(folder);
         const std::filesystem::path file = folder / "kvl.mdb";
         if (std::filesystem::exists(file)) {
-            std::fprintf(stderr, "make-demo: %s exists; remove it first\n", utf8(file).c_str());
+            std::fprintf(stderr, "make-demo: %s exists; remove it first\n", utf8Text(file).c_str());
             return 1;
         }
         const std::filesystem::path pictureFolder = std::filesystem::absolute(folder / "resimler");
-        const demo::School school = demo::makeSchool(size, jet::fromUtf8(utf8(pictureFolder)));
+        const demo::School school = demo::makeSchool(size, jet::fromUtf8(utf8Text(pictureFolder)));
         jet::NewDatabaseOptions options;
         options.password = rollCall ? kRollCallPassword : kPassword;
-        jet::Database::create(utf8(file), options);
-        jet::Database database(utf8(file), jet::PageFile::Mode::ReadWrite);
+        jet::Database::create(utf8Text(file), options);
+        jet::Database database(utf8Text(file), jet::PageFile::Mode::ReadWrite);
         for (const NewTable& table : rollCall ? rollCallSchema() : schema())
             database.createTable(table);
         if (!rollCall)
@@ -198,14 +194,14 @@ int main(int argc, char** argv) {
         const bool drawn = demo::writePictures(folder, school.portraits);
         if (rollCall) {
             std::printf("%s: the roll-call program's, %zu students, %zu boarders\n",
-                        utf8(file).c_str(), school.students.size(), school.boarders.size());
+                        utf8Text(file).c_str(), school.students.size(), school.boarders.size());
         } else {
             std::printf("%s: %zu students, %zu boarders, %zu permits, %zu meals, %zu menu rows\n",
-                        utf8(file).c_str(), school.students.size(), school.boarders.size(),
+                        utf8Text(file).c_str(), school.students.size(), school.boarders.size(),
                         school.permits.size(), school.meals.size(), school.menus.size());
         }
         if (drawn) {
-            std::printf("%s: %zu photographs\n", utf8(folder / "resimler").c_str(),
+            std::printf("%s: %zu photographs\n", utf8Text(folder / "resimler").c_str(),
                         school.portraits.size());
         } else {
             std::fputs(

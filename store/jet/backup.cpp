@@ -64,9 +64,7 @@ void copyDatabase(const Database& source, const std::string& target) {
         throw;
     }
     os::removeFile(partial);
-    const std::u8string folder =
-        std::filesystem::absolute(os::utf8Path(target)).parent_path().u8string();
-    os::syncFolder(std::string(folder.begin(), folder.end()));
+    os::syncFolder(os::utf8Text(std::filesystem::absolute(os::utf8Path(target)).parent_path()));
 }
 
 }  // namespace jet

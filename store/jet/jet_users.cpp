@@ -79,8 +79,7 @@ std::string fieldText(const char* field) {
 }  // namespace
 
 std::string ldbPath(const std::string& databasePath) {
-    const std::u8string path = os::utf8Path(databasePath).replace_extension(".ldb").u8string();
-    return {path.begin(), path.end()};
+    return os::utf8Text(os::utf8Path(databasePath).replace_extension(".ldb"));
 }
 
 // A slot is seen held by trying a shared lock on its byte, let go at once: so

@@ -33,8 +33,7 @@ void putU32(std::vector<std::uint8_t>& out, std::uint32_t value) {
 }
 
 void syncDirectoryOf(const std::string& path) {
-    const std::u8string directory = os::utf8Path(path).parent_path().u8string();
-    os::syncFolder(std::string(directory.begin(), directory.end()));
+    os::syncFolder(os::utf8Text(os::utf8Path(path).parent_path()));
 }
 
 std::vector<std::uint8_t> readWhole(const std::string& path) {

@@ -168,5 +168,10 @@ std::string computerName();
 inline std::filesystem::path utf8Path(const std::string& path) {
     return std::filesystem::path(std::u8string(path.begin(), path.end()));
 }
+// And back: a std::filesystem path as UTF-8, as the engine and messages take it.
+inline std::string utf8Text(const std::filesystem::path& path) {
+    const std::u8string text = path.u8string();
+    return {text.begin(), text.end()};
+}
 
 }  // namespace jet::os

@@ -703,9 +703,8 @@ TableStamp stampOf(const jet::Database& database, const jet::TableDefinition& ta
 std::string groupCacheKey(const jet::Database& database, const jet::TableDefinition& table,
                           const std::vector<int>& groupColumns,
                           const std::vector<Node>& aggregates) {
-    const std::u8string file =
-        std::filesystem::absolute(jet::os::utf8Path(database.path())).u8string();
-    std::string key(file.begin(), file.end());
+    std::string key =
+        jet::os::utf8Text(std::filesystem::absolute(jet::os::utf8Path(database.path())));
     key += '\0' + std::to_string(table.page);
     for (int c : groupColumns)
         key += ' ' + std::to_string(c);

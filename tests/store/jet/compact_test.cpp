@@ -135,8 +135,9 @@ void expectSameContent(const fs::path& original, const fs::path& copy, bool acce
         EXPECT_EQ(indexes(to), indexes(from));
         EXPECT_EQ(to.nextAutoNumber, from.nextAutoNumber);
         EXPECT_EQ(to.maxColumns, to.columns.size()) << "no room of deleted columns";
-        if (from.deletedColumnNumbers().empty())
+        if (from.deletedColumnNumbers().empty()) {
             EXPECT_EQ(columns(to), columns(from));
+        }
     }
     // The properties of the tables and of the database itself.
     const std::map<std::u16string, Bytes> properties = catalogProperties(after);
@@ -183,8 +184,9 @@ TEST(Compact, EveryFixtureReadsTheSameAfterCompactingOnceAndTwice) {
         ASSERT_EQ(compact(original, once, given), 0);
         EXPECT_FALSE(fs::exists(once.string() + ".compacting"));
         // No deleted rows, free pages or leftovers: smaller than what Access kept.
-        if (accessFile)
+        if (accessFile) {
             EXPECT_LT(fs::file_size(once), fs::file_size(original));
+        }
         expectSameContent(original, once, accessFile);
         int status = -1;
         EXPECT_EQ(
