@@ -36,14 +36,8 @@ const bench::MadeUpSchool& demoSchool() {
 void takePictures(const fs::path& database, const fs::path& folder) {
     const jet::Database school(database.string());
     const jet::TableDefinition table = school.table(u"ORNEK");
-    std::size_t numara = 0;
-    std::size_t adi = 0;
-    for (std::size_t c = 0; c < table.columns.size(); ++c) {
-        if (table.columns[c].name == u"Numara")
-            numara = c;
-        if (table.columns[c].name == u"Adi")
-            adi = c;
-    }
+    const std::size_t numara = table.columnPosition(u"Numara");
+    const std::size_t adi = table.columnPosition(u"Adi");
     fs::create_directories(folder);
     const fs::path sample = folder.parent_path() / "sample.jpg";
     QImage picture(120, 150, QImage::Format_RGB32);

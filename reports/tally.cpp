@@ -37,14 +37,6 @@ std::optional<double> numberOf(const jet::Value& value) {
     }
 }
 
-std::size_t columnIndex(const jet::TableDefinition& table, std::u16string_view name) {
-    for (std::size_t i = 0; i < table.columns.size(); ++i) {
-        if (sql::sameName(table.columns[i].name, name))
-            return i;
-    }
-    throw sql::Error("table " + jet::toUtf8(table.name) + " has no column " + jet::toUtf8(name));
-}
-
 // The pass whose meal the text is, or nothing.
 std::optional<std::size_t> passOf(const jet::Value& ogun) {
     if (ogun.kind() != Kind::Text)
@@ -63,10 +55,10 @@ TallyCounts countMeals(const jet::Database& database, int month) {
     // Whole statements of other writers only, as each query reads them.
     const jet::LockFile::Hold lock = database.holdForReading();
     const jet::TableDefinition table = database.table(sql::findTableName(database, u"yemek"));
-    const std::size_t gun = columnIndex(table, u"gun");
-    const std::size_t ay = columnIndex(table, u"ay");
-    const std::size_t gunduzlu = columnIndex(table, u"gunduzlu");
-    const std::size_t ogun = columnIndex(table, u"ogun");
+    const std::size_t gun = table.columnPosition(u"gun");
+    const std::size_t ay = table.columnPosition(u"ay");
+    const std::size_t gunduzlu = table.columnPosition(u"gunduzlu");
+    const std::size_t ogun = table.columnPosition(u"ogun");
 
     // The numbers of every row first; the meal's text only for the rows of
     // the month's day students.

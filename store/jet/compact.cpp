@@ -33,20 +33,12 @@ struct CatalogProperties {
     Bytes database;
 };
 
-std::optional<std::size_t> columnPosition(const TableDefinition& table, std::u16string_view name) {
-    for (std::size_t i = 0; i < table.columns.size(); ++i) {
-        if (table.columns[i].name == name)
-            return i;
-    }
-    return std::nullopt;
-}
-
 CatalogProperties readProperties(const PageSource& file) {
     const TableDefinition objects = findTable(file, u"MSysObjects");
-    const auto id = columnPosition(objects, u"Id");
-    const auto parent = columnPosition(objects, u"ParentId");
-    const auto name = columnPosition(objects, u"Name");
-    const auto properties = columnPosition(objects, u"LvProp");
+    const auto id = objects.findColumnPosition(u"Id");
+    const auto parent = objects.findColumnPosition(u"ParentId");
+    const auto name = objects.findColumnPosition(u"Name");
+    const auto properties = objects.findColumnPosition(u"LvProp");
     CatalogProperties found;
     if (!id || !parent || !name || !properties)
         return found;
@@ -106,8 +98,8 @@ void copyDatabaseProperties(const Bytes& properties, Database& copy) {
         return;
     copy.write([&](WriteStatement& statement) {
         const TableDefinition objects = findTable(statement, u"MSysObjects");
-        const auto id = columnPosition(objects, u"Id");
-        const auto lvProp = columnPosition(objects, u"LvProp");
+        const auto id = objects.findColumnPosition(u"Id");
+        const auto lvProp = objects.findColumnPosition(u"LvProp");
         if (!id || !lvProp)
             return;
         std::optional<RowId> found;

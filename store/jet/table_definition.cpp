@@ -7,6 +7,8 @@
 #include "error.h"
 #include "format.h"
 #include "page_file.h"
+#include "table_definition_builder.h"
+#include "text.h"
 
 namespace jet {
 namespace {
@@ -107,6 +109,21 @@ const Column* TableDefinition::columnByNumber(std::uint16_t number) const {
         if (column.number == number) return &column;
     }
     return nullptr;
+}
+
+std::optional<std::size_t> TableDefinition::findColumnPosition(
+    std::u16string_view columnName) const {
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (sameName(columns[i].name, columnName))
+            return i;
+    }
+    return std::nullopt;
+}
+
+std::size_t TableDefinition::columnPosition(std::u16string_view columnName) const {
+    if (const std::optional<std::size_t> found = findColumnPosition(columnName))
+        return *found;
+    throw Error("table " + toUtf8(name) + " has no column " + toUtf8(columnName));
 }
 
 TableDefinition readTableDefinition(const PageSource& file, std::uint32_t page) {

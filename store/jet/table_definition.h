@@ -1,7 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace jet {
@@ -97,6 +100,12 @@ struct TableDefinition {
     std::vector<std::uint16_t> deletedColumnNumbers() const;
     // The column of that number, or nullptr.
     const Column* columnByNumber(std::uint16_t number) const;
+    // The position in `columns` of the column of that name, or nothing. Names
+    // compare as Access compares them (sameName): without regard to case.
+    std::optional<std::size_t> findColumnPosition(std::u16string_view columnName) const;
+    // The same, for a column that must be there: throws Error naming the
+    // table and the column when it is not.
+    std::size_t columnPosition(std::u16string_view columnName) const;
 };
 
 // Reads the table definition that starts at `page`, following its chain of

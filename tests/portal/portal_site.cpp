@@ -1,7 +1,6 @@
 #include "tests/portal/portal_site.h"
 
 #include <QDate>
-#include <QTcpSocket>
 #include <QUrl>
 #include <QUrlQuery>
 
@@ -73,42 +72,15 @@ QString menuPage(const QUrlQuery& query) {
     return page + QStringLiteral("<button id=\"kaydet\">Kaydet</button></body></html>");
 }
 
-QByteArray response(const QByteArray& status, const QString& body) {
-    const QByteArray bytes = body.toUtf8();
-    return "HTTP/1.0 " + status + "\r\nContent-Type: text/html; charset=utf-8\r\n" +
-           "Content-Length: " + QByteArray::number(bytes.size()) + "\r\nConnection: close\r\n\r\n" +
-           bytes;
-}
-
 }  // namespace
 
-PortalSite::PortalSite() {
-    connect(this, &QTcpServer::newConnection, this, &PortalSite::answer);
-    listen(QHostAddress::LocalHost);
-}
-
-QString PortalSite::address() const {
-    return QStringLiteral("http://127.0.0.1:%1").arg(serverPort());
-}
-
-void PortalSite::answer() {
-    while (QTcpSocket* socket = nextPendingConnection()) {
-        connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-        connect(socket, &QTcpSocket::readyRead, socket, [socket] {
-            if (!socket->canReadLine())
-                return;
-            QObject::disconnect(socket, &QTcpSocket::readyRead, nullptr, nullptr);
-            const QList<QByteArray> request = socket->readLine().split(' ');
-            const QUrl url(QString::fromLatin1(request.value(1)));
-            if (url.path() == u"/main.aspx")
-                socket->write(response("200 OK", kLoginPage));
-            else if (url.path() == u"/menu.aspx")
-                socket->write(response("200 OK", menuPage(QUrlQuery(url))));
-            else
-                socket->write(response("404 Not Found", QStringLiteral("Yok")));
-            socket->disconnectFromHost();
-        });
-    }
+QByteArray PortalSite::respond(const QUrl& url) {
+    using windows::testing::htmlResponse;
+    if (url.path() == u"/main.aspx")
+        return htmlResponse("200 OK", kLoginPage);
+    if (url.path() == u"/menu.aspx")
+        return htmlResponse("200 OK", menuPage(QUrlQuery(url)));
+    return htmlResponse("404 Not Found", QStringLiteral("Yok"));
 }
 
 }  // namespace portal::testing

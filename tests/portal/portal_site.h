@@ -1,7 +1,8 @@
 #pragma once
 
 #include <QString>
-#include <QTcpServer>
+
+#include "tests/shell/loopback_site.h"
 
 namespace portal::testing {
 
@@ -19,15 +20,11 @@ namespace portal::testing {
 //   N days long.
 //
 // It serves until it goes.
-class PortalSite : public QTcpServer {
+class PortalSite : public windows::testing::LoopbackSite {
     Q_OBJECT
-public:
-    PortalSite();
-    // The site's address, "http://127.0.0.1:port".
-    QString address() const;
 
-private:
-    void answer();
+protected:
+    QByteArray respond(const QUrl& url) override;
 };
 
 }  // namespace portal::testing

@@ -1,27 +1,26 @@
 #pragma once
 
 #include <QString>
-#include <QTcpServer>
+
+#include "tests/shell/loopback_site.h"
 
 namespace shell::testing {
 
 // The maker's update page on the loopback interface: sofravan.html with
 // the given body, or, when it does not answer, a server that takes each
 // connection and never says a word. It serves until it goes.
-class UpdateSite : public QTcpServer {
+class UpdateSite : public windows::testing::LoopbackSite {
     Q_OBJECT
 public:
     explicit UpdateSite(QString body, bool answers = true);
     // "http://127.0.0.1:port/sofravan.html".
     QString page() const;
-    // Connections taken so far.
-    int requests() const { return requests_; }
+
+protected:
+    QByteArray respond(const QUrl& url) override;
 
 private:
-    void answer();
     QString body_;
-    bool answers_;
-    int requests_ = 0;
 };
 
 // A page that carries the version in the element "versiyon", as the

@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,26 @@ std::string copyKvl(const testing::TempDir& dir) {
     fs::permissions(target, fs::perms::owner_write, fs::perm_options::add);
     return target.string();
 }
+
+#ifndef NO_FORK
+// Runs `work` in a child process, which ends when it returns; the child's
+// id, or -1 when there is none.
+pid_t runInChild(const std::function<void()>& work) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        work();
+        ::_exit(0);
+    }
+    return child;
+}
+
+// The child's status (as waitpid gives it) once it has ended.
+int waitForChild(pid_t child) {
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return status;
+}
+#endif
 
 std::vector<Value> oneMenuRow(int day) {
     return {Value::integer(99),
@@ -91,15 +112,13 @@ TEST(CopyDatabase, WaitsForAWriterOfAnotherProcess) {
     const Database database(file);
     int ready[2];
     ASSERT_EQ(::pipe(ready), 0);
-    const pid_t writer = ::fork();
-    ASSERT_GE(writer, 0);
-    if (writer == 0) {
+    const pid_t writer = runInChild([&] {
         const std::shared_ptr<LockFile> locks = LockFile::open(file, true);
         const LockFile::Hold writing = locks->holdForWriting();
         (void)::write(ready[1], "w", 1);
         ::usleep(1500 * 1000);
-        ::_exit(0);
-    }
+    });
+    ASSERT_GE(writer, 0);
     char signal = 0;
     ASSERT_EQ(::read(ready[0], &signal, 1), 1);
     const LockTimeouts before = lockTimeouts();
@@ -109,8 +128,7 @@ TEST(CopyDatabase, WaitsForAWriterOfAnotherProcess) {
     EXPECT_FALSE(fs::exists(copy));
     setLockTimeouts(before);
     copyDatabase(database, copy.string());  // waits for the writer's end
-    int status = 0;
-    ::waitpid(writer, &status, 0);
+    const int status = waitForChild(writer);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
     EXPECT_EQ(testing::readFileBytes(copy), testing::readFileBytes(file));
     ::close(ready[0]);
@@ -130,19 +148,16 @@ TEST(CopyDatabase, NeverHalfAStatement) {
     const std::vector<unsigned char> before = testing::readFileBytes(file);
     const Database reader(file);
     Database database(file, PageFile::Mode::ReadWrite);
-    const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
+    const pid_t child = runInChild([&] {
         Database dying(file, PageFile::Mode::ReadWrite);
         setCrashAfterWrites(3);  // the journal, then two pages of the statement
         std::vector<std::vector<Value>> rows;
         for (int day = 1; day <= 200; ++day)
             rows.push_back(oneMenuRow(day));
         dying.insertRows(u"MENULER", rows);
-        ::_exit(0);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
+    });
+    ASSERT_GE(child, 0);
+    const int status = waitForChild(child);
     ASSERT_TRUE(WIFSIGNALED(status)) << "the writer was meant to die half-way";
     ASSERT_TRUE(fs::exists(RollbackJournal::journalPath(file)));
 

@@ -60,14 +60,8 @@ std::string command(const std::string& tool, const fs::path& file, const std::st
 std::map<std::u16string, Bytes> catalogProperties(const Database& database) {
     std::map<std::u16string, Bytes> found;
     const TableDefinition objects = database.table(u"MSysObjects");
-    std::size_t name = 0;
-    std::size_t properties = 0;
-    for (std::size_t i = 0; i < objects.columns.size(); ++i) {
-        if (objects.columns[i].name == u"Name")
-            name = i;
-        if (objects.columns[i].name == u"LvProp")
-            properties = i;
-    }
+    const std::size_t name = objects.columnPosition(u"Name");
+    const std::size_t properties = objects.columnPosition(u"LvProp");
     for (const std::vector<Value>& row : testing::readRows(database, u"MSysObjects")) {
         if (row[properties].kind() == Value::Kind::Bytes)
             found[row[name].asText()] = row[properties].asBytes();

@@ -1,14 +1,11 @@
 #include <algorithm>
 #include <cstring>
-#include <iostream>
-#include <map>
 #include <set>
 #include <string>
 #include <utility>
 
 #include <gtest/gtest.h>
 
-#include "store/jet/catalog.h"
 #include "store/jet/database.h"
 #include "store/jet/format.h"
 #include "store/jet/index_key.h"
@@ -266,118 +263,7 @@ TEST(IndexKey, MemoIsKeyedAsTextUpToTheLongestText) {
 }
 
 // ---------------------------------------------------------------------------
-// Every index of every fixture, against the rows of its table
-
-// Why a text could not be keyed: a character outside ASCII, Latin-1 and the
-// Turkish letters. Returns the character's code, or 0 for another reason.
-unsigned refusedCharacter(const std::string& message) {
-    const std::string marker = "the character U+";
-    const std::size_t at = message.find(marker);
-    if (at == std::string::npos ||
-        message.find("has no known place in the General sort order") == std::string::npos) {
-        return 0;
-    }
-    return static_cast<unsigned>(std::stoul(message.substr(at + marker.size(), 4), nullptr, 16));
-}
-
-bool isTurkishLetter(unsigned c) {
-    return c == 0x11e || c == 0x11f || c == 0x130 || c == 0x131 || c == 0x15e || c == 0x15f;
-}
-
-struct RowOfTable {
-    RowId id;
-    bool moved = false;
-    std::vector<Value> values;
-};
-
-TEST(IndexFixtures, EveryIndexHoldsEveryRowUnderItsOwnKey) {
-    SKIP_WITHOUT_FIXTURES();
-    std::size_t indexes = 0;
-    std::size_t keys = 0;
-    std::size_t movedRows = 0;
-    std::set<char16_t> textCharacters;
-    std::map<unsigned, std::size_t> refusals;  // character: count
-    for (const auto& path : testing::fixtureDatabases()) {
-        SCOPED_TRACE(path.string());
-        const Database database(path.string());
-        for (const CatalogEntry& entry : database.catalog()) {
-            if (!entry.isTable())
-                continue;
-            SCOPED_TRACE(toUtf8(entry.name));
-            const TableDefinition table =
-                readTableDefinition(database.file(), entry.definitionPage());
-            std::vector<RowOfTable> rows;
-            for (TableCursor cursor = database.scan(table); cursor.next();) {
-                rows.push_back(RowOfTable{cursor.rowId(), cursor.rowMoved(), {}});
-                cursor.values(rows.back().values);
-            }
-            for (std::size_t i = 0; i < table.realIndexes.size(); ++i) {
-                SCOPED_TRACE("real index " + std::to_string(i));
-                const RealIndex& index = table.realIndexes[i];
-                const std::vector<IndexEntry> entries = readIndexEntries(database.file(), index);
-                ++indexes;
-
-                std::map<std::pair<std::uint32_t, std::uint16_t>, const RowOfTable*> expected;
-                for (const RowOfTable& row : rows) {
-                    if (isRowIndexed(table, index, row.values)) {
-                        expected[{row.id.page, row.id.row}] = &row;
-                    }
-                }
-                ASSERT_EQ(entries.size(), expected.size());
-                for (std::size_t k = 0; k < entries.size(); ++k) {
-                    const IndexEntry& indexEntry = entries[k];
-                    if (k > 0) {
-                        EXPECT_LE(entries[k - 1].key, indexEntry.key);
-                    }
-                    const auto found = expected.find({indexEntry.row.page, indexEntry.row.row});
-                    ASSERT_NE(found, expected.end())
-                        << "an entry for row " << indexEntry.row.row << " of page "
-                        << indexEntry.row.page << ", which the table does not have";
-                    const RowOfTable& row = *found->second;
-                    expected.erase(found);
-                    if (row.moved)
-                        ++movedRows;
-                    try {
-                        EXPECT_EQ(encodeIndexKey(table, index, row.values), indexEntry.key)
-                            << "row " << row.id.row << " of page " << row.id.page;
-                        ++keys;
-                        for (const IndexColumn& indexColumn : index.columns) {
-                            for (std::size_t c = 0; c < table.columns.size(); ++c) {
-                                if (table.columns[c].number == indexColumn.columnNumber &&
-                                    row.values[c].kind() == Value::Kind::Text) {
-                                    for (char16_t ch : row.values[c].asText())
-                                        textCharacters.insert(ch);
-                                }
-                            }
-                        }
-                    } catch (const Error& error) {
-                        const unsigned character = refusedCharacter(error.what());
-                        EXPECT_TRUE(character > 0xff && !isTurkishLetter(character))
-                            << "refused for another reason: " << error.what();
-                        ++refusals[character];
-                    }
-                }
-                EXPECT_TRUE(expected.empty()) << expected.size() << " rows have no entry";
-            }
-        }
-    }
-    std::cout << "verified " << keys << " keys of " << indexes << " indexes (" << movedRows
-              << " of moved rows); refused:";
-    for (const auto& [character, count] : refusals) {
-        std::cout << " U+" << std::hex << std::uppercase << character << std::dec << " x" << count;
-    }
-    std::cout << "\n";
-
-    // The fixtures hold keys of every character of Latin-1 but NUL, and the
-    // Turkish letters other than the capitals İ and Ğ.
-    for (char16_t c = 0x01; c <= 0xff; ++c)
-        EXPECT_TRUE(textCharacters.count(c)) << int(c);
-    for (const char16_t c : std::u16string_view(u"ğıŞş")) {
-        EXPECT_TRUE(textCharacters.count(c)) << int(c);
-    }
-    EXPECT_GE(indexes, 240u);
-    EXPECT_GE(keys, 15000u);
-}
+// The surnames in the dining hall's file
 
 TEST(IndexFixtures, SurnameKeysAreThoseAccessWrote) {
     SKIP_WITHOUT_FIXTURES();

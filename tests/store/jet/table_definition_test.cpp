@@ -67,6 +67,17 @@ TEST(TableDefinition, DiningHallTablesAsStored) {
     // The year column of the permits keeps its dotless ı.
     const TableDefinition permits = database.table(u"IZINLER");
     EXPECT_EQ(permits.columns[8].name, u"y\u0131l");
+    // Column names are found as Access finds them: without regard to case,
+    // the dotless ı matching I.
+    EXPECT_EQ(permits.findColumnPosition(u"YIL"), 8u);
+    EXPECT_EQ(ornek.columnPosition(u"numara"), 4u);
+    EXPECT_EQ(permits.findColumnPosition(u"yil2"), std::nullopt);
+    try {
+        permits.columnPosition(u"yok");
+        ADD_FAILURE() << "no error for a column that is not there";
+    } catch (const Error& error) {
+        EXPECT_STREQ(error.what(), "table IZINLER has no column yok");
+    }
     EXPECT_TRUE(permits.indexes.empty());
     EXPECT_EQ(database.table(u"izinler").page, permits.page);
     EXPECT_THROW(database.table(u"NOSUCHTABLE"), Error);
