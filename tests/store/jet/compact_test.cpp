@@ -3,11 +3,6 @@
 // integrity check; a database in use, bad input and an existing target are
 // refused without leaving a file behind.
 
-#ifndef _WIN32
-#include <sys/wait.h>
-#include <unistd.h>
-#endif
-
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
@@ -234,29 +229,11 @@ TEST(Compact, RefusesADatabaseInUse) {
 #else
     {
         // Another copy of the program has it open: a child process.
-        int ready[2];
-        int done[2];
-        ASSERT_EQ(::pipe(ready), 0);
-        ASSERT_EQ(::pipe(done), 0);
-        const pid_t child = ::fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            const Database open(in.string());
-            char signal = 'o';
-            (void)::write(ready[1], &signal, 1);
-            (void)::read(done[0], &signal, 1);
-            ::_exit(0);
-        }
-        char signal = 0;
-        ASSERT_EQ(::read(ready[0], &signal, 1), 1);
+        testing::DatabaseInOtherProcess other(in.string(), PageFile::Mode::ReadOnly);
+        ASSERT_TRUE(other.isOpen());
         EXPECT_THROW(compactDatabase(in.string(), out.string(), fromUtf8(password)), InUseError);
         EXPECT_FALSE(fs::exists(out));
-        (void)::write(done[1], &signal, 1);
-        int status = 0;
-        ::waitpid(child, &status, 0);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-        for (const int fd : {ready[0], ready[1], done[0], done[1]})
-            ::close(fd);
+        EXPECT_EQ(other.leave(), 0);
     }
 #endif
     {

@@ -151,35 +151,18 @@ TEST(JetUsers, ProcessesSeeEachOtherAndTheLastOneOutRemovesTheLdb) {
     const testing::TempDir dir;
     const std::string database = newDatabase(dir);
     const fs::path ldb = dir.path() / "kvl.ldb";
-    int ready[2];
-    int done[2];
-    ASSERT_EQ(::pipe(ready), 0);
-    ASSERT_EQ(::pipe(done), 0);
-    const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        const Database other(database, PageFile::Mode::ReadWrite);
-        char signal = 'r';
-        (void)::write(ready[1], &signal, 1);
-        (void)::read(done[0], &signal, 1);
-        ::_exit(places(database).size() == 2 ? 0 : 1);
-    }
-    char signal = 0;
-    ASSERT_EQ(::read(ready[0], &signal, 1), 1);
     {
+        testing::DatabaseInOtherProcess other(database, PageFile::Mode::ReadWrite,
+                                              [&] { return places(database).size() == 2; });
+        ASSERT_TRUE(other.isOpen());
         EXPECT_EQ(places(database), (std::vector<Place>{{0, ourComputer()}}));
         const Database mine(database);
         EXPECT_EQ(places(database), (std::vector<Place>{{0, ourComputer()}, {1, ourComputer()}}));
-        (void)::write(done[1], &signal, 1);
-        int status = 0;
-        ::waitpid(child, &status, 0);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+        EXPECT_EQ(other.leave(), 0);
         EXPECT_EQ(places(database), (std::vector<Place>{{1, ourComputer()}}));
         EXPECT_TRUE(fs::exists(ldb));
     }
     EXPECT_FALSE(fs::exists(ldb));
-    for (const int fd : {ready[0], ready[1], done[0], done[1]})
-        ::close(fd);
 
     // Four processes come and go two hundred times each. Whoever comes in
     // must find his slot in the file that the name leads to, never in one

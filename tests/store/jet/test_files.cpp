@@ -6,9 +6,11 @@
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <utility>
 
 #ifndef _WIN32
 #include <sys/wait.h>
+#include <unistd.h>
 #endif
 
 namespace jet::testing {
@@ -126,5 +128,41 @@ std::multiset<std::string> csvRecords(const std::string& csv) {
     }
     return records;
 }
+
+#ifndef NO_FORK
+DatabaseInOtherProcess::DatabaseInOtherProcess(const std::string& path, PageFile::Mode mode,
+                                               const std::function<bool()>& lastLook) {
+    if (::pipe(ready_) != 0 || ::pipe(done_) != 0)
+        return;
+    pid_ = ::fork();
+    if (pid_ == 0) {
+        const Database database(path, mode);
+        char signal = 'o';
+        (void)::write(ready_[1], &signal, 1);
+        (void)::read(done_[0], &signal, 1);
+        ::_exit(!lastLook || lastLook() ? 0 : 1);
+    }
+    char signal = 0;
+    open_ = pid_ > 0 && ::read(ready_[0], &signal, 1) == 1;
+}
+
+int DatabaseInOtherProcess::leave() {
+    if (pid_ <= 0)
+        return -1;
+    char signal = 'l';
+    (void)::write(done_[1], &signal, 1);
+    int status = 0;
+    const pid_t ended = ::waitpid(std::exchange(pid_, -1), &status, 0);
+    return ended > 0 && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+DatabaseInOtherProcess::~DatabaseInOtherProcess() {
+    leave();
+    for (const int fd : {ready_[0], ready_[1], done_[0], done_[1]}) {
+        if (fd >= 0)
+            ::close(fd);
+    }
+}
+#endif
 
 }  // namespace jet::testing

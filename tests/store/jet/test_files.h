@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -38,6 +39,29 @@ std::filesystem::path fixturesDir();
 #define NO_FORK 1
 #define SKIP_WITHOUT_FORK() \
     GTEST_SKIP() << "its second process is made by fork(), which Windows has not: test skipped"
+#else
+// Another process (made by fork()) that has the database open from its
+// making until leave(), which waits for its end. Its exit status is 0, or
+// 1 when `lastLook`, run just before it leaves, returned false.
+class DatabaseInOtherProcess {
+public:
+    DatabaseInOtherProcess(const std::string& path, PageFile::Mode mode,
+                           const std::function<bool()>& lastLook = {});
+    ~DatabaseInOtherProcess();
+    DatabaseInOtherProcess(const DatabaseInOtherProcess&) = delete;
+    DatabaseInOtherProcess& operator=(const DatabaseInOtherProcess&) = delete;
+
+    // Whether it has the database open (false when it could not start).
+    bool isOpen() const { return open_; }
+    // Tells it to leave, and gives its exit status (-1 when it had none).
+    int leave();
+
+private:
+    int pid_ = -1;
+    int ready_[2] = {-1, -1};
+    int done_[2] = {-1, -1};
+    bool open_ = false;
+};
 #endif
 
 // Every Access file among the fixtures that the dump must reproduce:
