@@ -1,5 +1,6 @@
 #include "tools/demo_pictures.h"
 
+#include <memory>
 #include <stdexcept>
 
 #include <QFont>
@@ -102,14 +103,14 @@ QImage schoolLogo() {
     return image;
 }
 
-bool writePictures(const std::filesystem::path& folder, const std::vector<Portrait>& portraits) {
-    // Drawing text needs a GUI application, but no screen.
+// Drawing text needs a GUI application, but no screen.
+std::shared_ptr<void> startPictures(int& argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    int argc = 1;
-    char name[] = "make-demo";
-    char* argv[] = {name, nullptr};
-    const QGuiApplication application(argc, argv);
+    return std::make_shared<QGuiApplication>(argc, argv);
+}
+
+bool writePictures(const std::filesystem::path& folder, const std::vector<Portrait>& portraits) {
     for (const Portrait& person : portraits) {
         const std::filesystem::path path(person.path);
         std::filesystem::create_directories(path.parent_path());

@@ -139,6 +139,7 @@ int usage() {
 }  // namespace
 
 int main(int argc, char** argv) {
+    const std::shared_ptr<void> pictures = demo::startPictures(argc, argv);
     const tools::Utf8Arguments arguments(argc, argv);
     argc = arguments.count();
     argv = arguments.values();

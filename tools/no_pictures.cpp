@@ -9,4 +9,8 @@ bool writePictures(const std::filesystem::path& /*folder*/,
     return false;
 }
 
+std::shared_ptr<void> startPictures(int& /*argc*/, char** /*argv*/) {
+    return nullptr;
+}
+
 }  // namespace demo

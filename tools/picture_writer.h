@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <vector>
 
 #include "tools/demo_school.h"
@@ -14,5 +15,9 @@ namespace demo {
 // without Qt (the Windows one), writes nothing. Returns whether the pictures
 // were written; throws std::runtime_error when a file cannot be.
 bool writePictures(const std::filesystem::path& folder, const std::vector<Portrait>& portraits);
+
+// Readies the drawing: Qt's GUI application, made first and kept by main
+// until it returns. Null without Qt.
+std::shared_ptr<void> startPictures(int& argc, char** argv);
 
 }  // namespace demo
