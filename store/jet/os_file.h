@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 // The few calls of the operating system that the engine makes on files,
 // with one form for POSIX systems (os_file_posix.cpp) and one for Windows
@@ -157,6 +158,10 @@ void syncFolder(const std::string& folder);
 bool isWritable(const std::string& path);
 
 std::uint64_t processId();
+// The program's arguments as the system keeps them, in UTF-8, program name
+// first: Windows reads them again from its UTF-16 command line (main()'s
+// come in the ANSI code page); elsewhere nothing (main()'s are the ones).
+std::vector<std::string> commandLineArguments();
 // The name of this computer as the system gives it (Windows: its NetBIOS
 // name, in the ANSI code page; POSIX: the host name); empty when unknown.
 std::string computerName();

@@ -194,6 +194,10 @@ bool isWritable(const std::string& path) {
     return ::access(path.c_str(), W_OK) == 0;
 }
 
+std::vector<std::string> commandLineArguments() {
+    return {};
+}
+
 std::uint64_t processId() {
     return static_cast<std::uint64_t>(::getpid());
 }

@@ -5,8 +5,11 @@
 #define WIN32_LEAN_AND_MEAN
 #endif
 #include <windows.h>
+// shellapi.h needs windows.h first.
+#include <shellapi.h>
 
 #include <algorithm>
+#include <cwchar>
 #include <string>
 #include <utility>
 
@@ -227,6 +230,18 @@ void syncFolder(const std::string&) {}
 bool isWritable(const std::string& path) {
     const DWORD attributes = ::GetFileAttributesW(wide(path).c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) == 0;
+}
+
+std::vector<std::string> commandLineArguments() {
+    std::vector<std::string> arguments;
+    int count = 0;
+    wchar_t** wide = ::CommandLineToArgvW(::GetCommandLineW(), &count);
+    if (wide == nullptr)
+        return arguments;
+    for (int i = 0; i < count; ++i)
+        arguments.push_back(narrow(wide[i], std::wcslen(wide[i])));
+    ::LocalFree(static_cast<HLOCAL>(wide));
+    return arguments;
 }
 
 std::uint64_t processId() {
