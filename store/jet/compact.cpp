@@ -130,10 +130,9 @@ void checkPassword(const DatabaseHeader& header, std::u16string_view password,
 
 // Removes what the copy under construction left beside it.
 void removeCopy(const std::string& path) {
-    std::error_code ignored;
-    fs::remove(os::utf8Path(path), ignored);
-    fs::remove(os::utf8Path(LockFile::lockPath(path)), ignored);
-    fs::remove(os::utf8Path(RollbackJournal::journalPath(path)), ignored);
+    os::removeFile(path);
+    os::removeFile(LockFile::lockPath(path));
+    os::removeFile(RollbackJournal::journalPath(path));
 }
 
 void writeCopy(const std::string& in, const std::string& temporary, std::u16string_view password) {
@@ -186,17 +185,19 @@ void compactDatabase(const std::string& in, const std::string& out, std::u16stri
     removeCopy(temporary);  // what an interrupted compaction left
     try {
         writeCopy(in, temporary, password);
-        fs::remove(os::utf8Path(LockFile::lockPath(temporary)), error);
-        if (fs::exists(os::utf8Path(out), error))
-            throw Error("cannot write " + out + ": the file appeared meanwhile");
-        fs::rename(os::utf8Path(temporary), os::utf8Path(out));
-    } catch (const fs::filesystem_error& failure) {
-        removeCopy(temporary);
-        throw Error("cannot write " + out + ": " + failure.what());
+        os::removeFile(LockFile::lockPath(temporary));
+        // The copy takes its name last, never replacing a file of that name.
+        if (!os::nameWithoutReplacing(temporary, out)) {
+            const std::string why = os::lastError();
+            throw Error(
+                "cannot write " + out + ": " +
+                (fs::exists(os::utf8Path(out), error) ? "the file appeared meanwhile" : why));
+        }
     } catch (...) {
         removeCopy(temporary);
         throw;
     }
+    os::removeFile(temporary);  // the copy's other name, where it was linked
 }
 
 }  // namespace jet
