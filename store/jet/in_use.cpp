@@ -7,10 +7,6 @@
 
 namespace jet {
 
-bool jetUserSlotHeld(const std::string& path) {
-    return !connectedJetUsers(path).empty();
-}
-
 // The one place that decides whether a database is in use: by a copy of this
 // program (its session lock in "FILE-lock", taken here exclusively, so that
 // none opens it meanwhile) or by Jet (a user slot locked in the ".ldb"). Jet

@@ -22,8 +22,4 @@ public:
 // program or a Jet user has it open, Error when its lock file cannot be made.
 std::shared_ptr<LockFile> ensureNotInUse(const std::string& path);
 
-// Whether a Jet user holds a slot of the database's ".ldb" file beside it
-// (this process's own slot counts: see connectedJetUsers).
-bool jetUserSlotHeld(const std::string& path);
-
 }  // namespace jet

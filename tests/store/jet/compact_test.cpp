@@ -16,6 +16,7 @@
 #include "store/jet/database.h"
 #include "store/jet/format.h"
 #include "store/jet/in_use.h"
+#include "store/jet/jet_users.h"
 #include "store/jet/os_file.h"
 #include "store/jet/text.h"
 #include "tests/store/jet/test_files.h"
@@ -253,7 +254,7 @@ TEST(Compact, RefusesADatabaseInUse) {
         // A lock of this open file, which the look at the .ldb through
         // another open file of it does not release.
         ASSERT_EQ(user.tryLock(kFirstSlot + slot, os::LockKind::Exclusive), os::LockResult::Taken);
-        EXPECT_TRUE(jetUserSlotHeld(in.string()));
+        EXPECT_FALSE(connectedJetUsers(in.string()).empty());
         EXPECT_EQ(compact(in, out, password), 1);
         EXPECT_FALSE(fs::exists(out));
     }  // the user leaves; the .ldb stays, as Jet may leave it
@@ -262,9 +263,9 @@ TEST(Compact, RefusesADatabaseInUse) {
         os::File other = os::File::open(ldb.string(), os::File::Mode::ReadWrite);
         ASSERT_TRUE(other.isOpen());
         ASSERT_EQ(other.tryLock(kFirstSlot + 255, os::LockKind::Exclusive), os::LockResult::Taken);
-        EXPECT_FALSE(jetUserSlotHeld(in.string()));
+        EXPECT_TRUE(connectedJetUsers(in.string()).empty());
     }
-    EXPECT_FALSE(jetUserSlotHeld(in.string()));
+    EXPECT_TRUE(connectedJetUsers(in.string()).empty());
     EXPECT_EQ(compact(in, out, password), 0);
     // While it ran, no copy of ours could open the file; afterwards one can.
     EXPECT_NO_THROW(Database(in.string()));
